@@ -1,0 +1,221 @@
+#include "app/AppMessages.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QObject>
+#include <QThread>
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdio>
+#include <memory>
+#include <mutex>
+#include <thread>
+#include <unordered_map>
+
+#include "app/ThreadRole.h"
+
+namespace {
+
+// Completion record shared by a sender and the queued event.
+struct SendWait {
+    std::mutex mutex;
+    std::condition_variable done;
+    bool finished = false;
+    LResult result = 0;
+
+    void Finish(LResult r) {
+        {
+            std::lock_guard lock(mutex);
+            if (finished) return;
+            finished = true;
+            result = r;
+        }
+        done.notify_all();
+    }
+};
+
+const QEvent::Type kAppMessageEventType = static_cast<QEvent::Type>(QEvent::registerEventType());
+
+struct Entry {
+    QObject* object = nullptr;
+    MessageReceiver* receiver = nullptr;
+};
+
+std::mutex g_registryMutex;
+std::unordered_map<WindowHandle, Entry> g_registry;
+WindowHandle g_nextHandle = 1;
+std::atomic<int> g_failPosts{0};
+
+class AppMessageEvent : public QEvent {
+public:
+    AppMessageEvent(WindowHandle target, Uwm msg, WParam w, LParam l, std::shared_ptr<SendWait> wait)
+        : QEvent(kAppMessageEventType),
+          target_(target),
+          msg_(msg),
+          w_(w),
+          l_(l),
+          wait_(std::move(wait)) {}
+    // A queued send whose receiver vanishes is discarded by Qt: answer 0.
+    ~AppMessageEvent() override {
+        if (wait_) wait_->Finish(0);
+    }
+
+    void Deliver() {
+        MessageReceiver* receiver = nullptr;
+        {
+            std::lock_guard lock(g_registryMutex);
+            auto it = g_registry.find(target_);
+            if (it != g_registry.end()) receiver = it->second.receiver;
+        }
+        LResult r = receiver ? receiver->OnAppMessage(msg_, w_, l_) : 0;
+        if (wait_) wait_->Finish(r);
+    }
+
+private:
+    WindowHandle target_;
+    Uwm msg_;
+    WParam w_;
+    LParam l_;
+    std::shared_ptr<SendWait> wait_;
+};
+
+// Lives on each receiver's object as an event filter that delivers our events.
+class Deliverer : public QObject {
+public:
+    bool eventFilter(QObject*, QEvent* e) override {
+        if (e->type() == kAppMessageEventType) {
+            static_cast<AppMessageEvent*>(e)->Deliver();
+            return true;
+        }
+        return false;
+    }
+};
+
+Deliverer* TheDeliverer(QObject* object) {
+    // One filter object per receiver object, parented to it so it dies with it.
+    auto* d = object->findChild<Deliverer*>(QString(), Qt::FindDirectChildrenOnly);
+    if (!d) {
+        d = new Deliverer;
+        d->moveToThread(object->thread());
+        d->setParent(object);
+        object->installEventFilter(d);
+    }
+    return d;
+}
+
+}  // namespace
+
+const char* UwmName(std::uint32_t msg) {
+    switch (msg) {
+#define N(x) \
+    case x:  \
+        return #x;
+        N(UWM_CONFIG_REFRESH) N(UWM_RESERVED_8002) N(UWM_EQ_NUMBER_TYPE) N(UWM_EQ_TYPE)
+        N(UWM_GRAPH_NUMBER_TYPE) N(UWM_SET_DIRECTION) N(UWM_WINDOW_CLOSED) N(UWM_START_SCRATCH)
+        N(UWM_CREATE_DECK_BUFFERS) N(UWM_DIAGNOSTICS) N(UWM_APPLY_PAN) N(UWM_ASSIGN_CD_DRIVE)
+        N(UWM_APPLY_EFFECT) N(UWM_APPLY_EFFECT_PARAMETER) N(UWM_3D_GRAPH_VALUE)
+        N(UWM_FIRST_FILL) N(UWM_RELEASE_DECK) N(UWM_BACKWARD_FLAGS) N(UWM_FORWARD_FLAGS)
+        N(UWM_GRAPHS_PRIORITY) N(UWM_DECK_VALUE) N(UWM_READER_ENDED) N(UWM_RESERVED_8017)
+        N(UWM_END_OF_TRACK) N(UWM_LATENCY_MAXIMUM) N(UWM_LATENCY_QUARTER_REQUEST)
+        N(UWM_EQ_BAND_GAIN) N(UWM_DEVICE_EQ_BANDS) N(UWM_DEVICE_EQ_ON) N(UWM_SHUTDOWN)
+        N(UWM_SEARCH_ENTER) N(UWM_KEY_POLLED) N(UWM_KEY_DOWN) N(UWM_KEY_UP)
+        N(UWM_GRAPH_DOUBLE_CLICK) N(UWM_MINIMISE_ALL) N(UWM_SET_SOUND_DEVICE)
+        N(UWM_FORWARD_PLAY) N(UWM_REVERSE_PLAY) N(UWM_START_FORWARD_THREAD)
+        N(UWM_START_REVERSE_THREAD) N(UWM_FORWARD_NOTIFY) N(UWM_REVERSE_NOTIFY)
+        N(UWM_SCRATCH_DONE) N(UWM_LOAD_AND_PLAY) N(UWM_PRIME_DECK) N(UWM_RESTORE_ALL)
+        N(UWM_REFRESH_CD_DRIVES) N(UWM_LISTENER_POSITION) N(UWM_SET_REVERSE_POSITION)
+        N(UWM_HELP_BUTTONS) N(UWM_SET_FORWARD_POSITION) N(UWM_METERS_THREAD)
+        N(UWM_SET_REVERSE_FREQUENCY) N(UWM_SET_FORWARD_FREQUENCY) N(UWM_TITLE_BARS)
+        N(UWM_PLAY_SCRATCH) N(UWM_STOP_DECK) N(UWM_STOP_REVERSE) N(UWM_TICK)
+        N(UWM_DECK_INFO_UPDATE) N(UWM_GRAPHS_UPDATE) N(UWM_TRACK_NUMBER) N(UWM_TRACK_INFO)
+        N(UWM_LATENCY_QUARTER)
+#undef N
+        default:
+            return "UWM_UNKNOWN";
+    }
+}
+
+WindowHandle RegisterReceiver(QObject* object, MessageReceiver* receiver) {
+    TheDeliverer(object);
+    std::lock_guard lock(g_registryMutex);
+    WindowHandle h = g_nextHandle++;
+    if (g_nextHandle == 0) g_nextHandle = 1;
+    g_registry[h] = Entry{object, receiver};
+    return h;
+}
+
+void UnregisterReceiver(WindowHandle handle) {
+    std::lock_guard lock(g_registryMutex);
+    g_registry.erase(handle);
+}
+
+bool IsWindow(WindowHandle handle) {
+    std::lock_guard lock(g_registryMutex);
+    return handle != 0 && g_registry.count(handle) != 0;
+}
+
+LResult SendAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) {
+    AssertNotAudioThread();
+    std::shared_ptr<SendWait> wait;
+    MessageReceiver* direct = nullptr;
+    {
+        std::lock_guard lock(g_registryMutex);
+        auto it = g_registry.find(target);
+        if (it == g_registry.end()) return 0;
+        if (it->second.object->thread() == QThread::currentThread()) {
+            direct = it->second.receiver;
+        } else {
+            wait = std::make_shared<SendWait>();
+            QCoreApplication::postEvent(it->second.object,
+                                        new AppMessageEvent(target, msg, wParam, lParam, wait),
+                                        Qt::HighEventPriority);
+        }
+    }
+    // On the receiver's own thread the send is a direct call, made outside
+    // the registry lock so the handler may send or post freely.
+    if (direct) return direct->OnAppMessage(msg, wParam, lParam);
+    std::unique_lock lock(wait->mutex);
+    while (!wait->finished) {
+        // The receiver may be unregistered while we wait (its events then die
+        // with it); look again now and then so a send never hangs on a window
+        // that is gone.
+        if (wait->done.wait_for(lock, std::chrono::milliseconds(50)) == std::cv_status::timeout &&
+            !wait->finished) {
+            lock.unlock();
+            bool alive = IsWindow(target);
+            lock.lock();
+            if (!alive && !wait->finished) return 0;
+        }
+    }
+    return wait->result;
+}
+
+bool PostAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) {
+    int fail = g_failPosts.load();
+    while (fail > 0) {
+        if (g_failPosts.compare_exchange_weak(fail, fail - 1)) return false;
+    }
+    std::lock_guard lock(g_registryMutex);
+    auto it = g_registry.find(target);
+    if (it == g_registry.end()) return false;
+    QCoreApplication::postEvent(it->second.object,
+                                new AppMessageEvent(target, msg, wParam, lParam, nullptr));
+    return true;
+}
+
+void PostAppMessageRetry(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) {
+    while (!PostAppMessage(target, msg, wParam, lParam)) {
+        if (!IsWindow(target)) return;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+void FailNextPostsForTest(int count) { g_failPosts.store(count); }
+
+void PumpMessages(int maxRounds) {
+    for (int i = 0; i < maxRounds; ++i) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+    }
+}

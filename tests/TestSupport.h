@@ -1,0 +1,26 @@
+// Helpers shared by the tests: fixture files made with sox/ffmpeg, temporary
+// folders, and waiting on the Qt event loop.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+namespace testsupport {
+
+// Runs a program; true when it exits 0. Output goes to the test log on failure.
+bool Run(const QString& program, const QStringList& args, int timeoutMs = 60000);
+
+// A folder for generated fixtures inside the build tree, made once per run.
+QString FixtureDir();
+
+// Generates (once) a file with ffmpeg's lavfi sine source:
+// name, frequency Hz, seconds, sample rate, channels, and extra ffmpeg output
+// arguments (codec, sample format). Returns its path, or empty on failure.
+QString MakeTone(const QString& name, double frequency, double seconds, int rate = 44100,
+                 int channels = 2, const QStringList& codecArgs = {});
+
+// Pumps the Qt event loop until pred() or timeoutMs passes; returns pred().
+bool WaitFor(const std::function<bool()>& pred, int timeoutMs = 5000);
+
+}  // namespace testsupport
