@@ -1,0 +1,420 @@
+#include "deck/disc/CRynDiscBuffer.h"
+
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <QCoreApplication>
+#include <cstring>
+
+#include "deck/disc/DeckBlockSource.h"
+
+namespace {
+
+// Linux has no per-thread priority classes for normal threads; the readers
+// use their nice value (raising above normal needs CAP_SYS_NICE, otherwise
+// the request is simply not honoured).
+int NiceFor(ReaderPriority p) {
+    switch (p) {
+        case ReaderPriority::BelowNormal:
+            return 5;
+        case ReaderPriority::AboveNormal:
+            return -2;
+        case ReaderPriority::TimeCritical:
+            return -10;
+    }
+    return 0;
+}
+
+}  // namespace
+
+CRynDiscBuffer::CRynDiscBuffer(int deck, DeckInfoStats& stats)
+    : deck_(deck), shared_(Engine().decks[deck]), stats_(stats) {
+    watchdog_.setInterval(kWatchdogMs);
+    QObject::connect(&watchdog_, &QTimer::timeout, [this] { WatchdogTick(); });
+    resumeTimer_.setInterval(kSuspendMs);
+    QObject::connect(&resumeTimer_, &QTimer::timeout, [this] { ResumeAfterSuspend(); });
+}
+
+CRynDiscBuffer::~CRynDiscBuffer() {
+    StopForwardReader();
+    StopBackwardReader();
+    if (backwardThread_.joinable())
+        backwardThread_.join();
+}
+
+// ---------------------------------------------------------------- consumer
+
+int CRynDiscBuffer::FillBlock(int outputSlot, std::uint8_t* dest) {
+    if (!running_)
+        return kNotRunning;
+    std::uint8_t* slot = nullptr;
+    if (!reverse_) {
+        markers_[outputSlot] = 0;
+        if (shared_.forwardFilled[forwardPlay_].load() == 0) {
+            // The mixer asks again for the same output slot next time; a block
+            // delivered then sets the marker back to 0.
+            markers_[outputSlot] = -1;
+            return kNoBlock;
+        }
+        slot = shared_.forwardDisc[forwardPlay_].data();
+    } else {
+        if (shared_.backwardFilled[backwardPlay_].load() == 0) {
+            if (backwardReadingOn_)
+                shared_.backwardWakeEvent.Set();
+            return kNoBlock;
+        }
+        slot = shared_.backwardDisc[backwardPlay_].data();
+    }
+    std::memcpy(dest, slot, kBlockBytes);
+
+    if (routine_) {
+        const SharedEngineState& engine = Engine();
+        bool shortOfData = false;
+        for (const DeckSharedState& d : engine.decks) {
+            shortOfData |= d.discBufferVeryLow.load() != 0 || d.freshDataLow.load() != 0;
+        }
+        const bool analysis =
+            !shortOfData && shared_.metersOff.load() == 0 && engine.overload.load() == 0;
+        routine_->Process(outputSlot, reinterpret_cast<std::int16_t*>(dest), analysis);
+    }
+
+    ++consumed_;
+    if (!reverse_) {
+        shared_.forwardFilled[forwardPlay_].store(0);
+        stats_.HandInForwardFlags(shared_.forwardFilled);
+        forwardPlay_ = (forwardPlay_ + 1) % kForwardDiscBlocks;
+        if (consumed_ > kWakeEvery - 1) {
+            consumed_ = 0;
+            shared_.forwardWakeEvent.Set();
+        }
+    } else {
+        shared_.backwardFilled[backwardPlay_].store(0);
+        stats_.HandInBackwardFlags(shared_.backwardFilled);
+        backwardPlay_ = (backwardPlay_ + 1) % kBackwardDiscBlocks;
+        if (consumed_ > kWakeEvery - 1) {
+            consumed_ = 0;
+            shared_.backwardWakeEvent.Set();
+        }
+    }
+    return kDelivered;
+}
+
+bool CRynDiscBuffer::NoteForwardCursors(int playCursorBytes, int writeCursorBytes, bool dragging) {
+    const int playSlot = playCursorBytes / kBlockBytes;
+    const int writeSlot = writeCursorBytes / kBlockBytes;
+    if (!dragging) {
+        stats_.SetForwardPositions(playSlot, writeSlot, shared_.latencyBlocks.load(),
+                                   &shared_.blocksAheadCopy);
+        bool changed = false;
+        // Fresh data low LED follows the information window's state.
+        if (leds_.freshDataLow && !stats_.FreshDataLow()) {
+            leds_.freshDataLow = false;
+            shared_.freshDataLow.store(0);
+            changed = true;
+        } else if (!leds_.freshDataLow && stats_.FreshDataLow()) {
+            leds_.freshDataLow = true;
+            shared_.freshDataLow.store(1);
+            changed = true;
+        }
+        // Disc buffer low: the reader goes time-critical while the deck plays.
+        if (leds_.discBufferLow && !stats_.Low()) {
+            RequestPriority(ReaderPriority::BelowNormal);
+            PostAppMessageRetry(Engine().mainDialogWindow, UWM_GRAPHS_PRIORITY, deck_, 0);
+            leds_.discBufferLow = false;
+            changed = true;
+        } else if (!leds_.discBufferLow && stats_.Low() && shared_.isPlaying.load() != 0) {
+            if (forwardAlive_) {
+                RequestPriority(ReaderPriority::TimeCritical);
+                PostAppMessageRetry(Engine().mainDialogWindow, UWM_GRAPHS_PRIORITY, deck_, 1);
+                leds_.discBufferLow = true;
+                changed = true;
+            }
+        }
+        // Very low: red LED while under half full.
+        if (shared_.discBufferVeryLow.load() == 0 && stats_.VeryLow()) {
+            if (forwardAlive_) {
+                shared_.discBufferVeryLow.store(1);
+                leds_.discBufferVeryLow = true;
+                changed = true;
+            }
+        } else if (shared_.discBufferVeryLow.load() != 0 && !stats_.VeryLow()) {
+            if (forwardAlive_)
+                shared_.discBufferVeryLow.store(0);
+            leds_.discBufferVeryLow = false;
+            changed = true;
+        }
+        if (changed)
+            NotifyLeds();
+    }
+    // Underrun: the block now heard was never delivered.
+    if (markers_[playSlot % kOutputSlots] == -1) {
+        if (forwardAlive_)
+            SetReadErrorLed(true);
+        return false;
+    }
+    return true;
+}
+
+void CRynDiscBuffer::NoteCursors(int reversePlayBytes, int reverseWriteBytes) {
+    stats_.SetReversePositions(reversePlayBytes / kBlockBytes, reverseWriteBytes / kBlockBytes,
+                               shared_.latencyBlocks.load());
+}
+
+void CRynDiscBuffer::SetReadErrorLed(bool on) {
+    if (leds_.discReadError == on)
+        return;
+    leds_.discReadError = on;
+    NotifyLeds();
+}
+
+void CRynDiscBuffer::NotifyLeds() {
+    if (ledsChanged_)
+        ledsChanged_();
+}
+
+void CRynDiscBuffer::LowerReaderPriority() {
+    RequestPriority(ReaderPriority::BelowNormal);
+    PostAppMessageRetry(Engine().mainDialogWindow, UWM_GRAPHS_PRIORITY, deck_, 0);
+    if (leds_.discBufferLow) {
+        leds_.discBufferLow = false;
+        NotifyLeds();
+    }
+}
+
+// ---------------------------------------------------------------- readers
+
+void CRynDiscBuffer::StartForwardReader() {
+    markers_.fill(0);
+    running_ = false;
+    StopForwardReader();
+    forwardPlay_ = 0;
+    running_ = true;
+    shared_.forwardReaderRun.store(1);
+    forwardFinished_.store(false);
+    forwardAlive_.store(true);
+    priority_.store(ReaderPriority::AboveNormal);
+    forwardThread_ = std::thread([this] { ForwardReaderMain(); });
+    watchdog_.start();
+    if (readerTimerHook_)
+        readerTimerHook_(true);
+}
+
+void CRynDiscBuffer::StopForwardReader() {
+    watchdog_.stop();
+    if (readerTimerHook_)
+        readerTimerHook_(false);
+    ResumeAfterSuspend();
+    shared_.forwardReaderRun.store(0);
+    shared_.forwardWakeEvent.Set();
+    // Serve the deck window's queue until the reader's last message has
+    // cleared the handle; the reader may be blocked in a send to it.
+    while (forwardAlive_.load()) {
+        if (forwardFinished_.load())
+            break;  // its last message found no window
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+        std::this_thread::yield();
+    }
+    JoinForward();
+}
+
+void CRynDiscBuffer::JoinForward() {
+    if (forwardThread_.joinable())
+        forwardThread_.join();
+    forwardAlive_.store(false);
+}
+
+void CRynDiscBuffer::StartBackwardReader() {
+    StopBackwardReader();
+    if (backwardThread_.joinable())
+        backwardThread_.join();
+    backwardPlay_ = 0;
+    shared_.backwardReaderRun.store(1);
+    backwardThread_ = std::thread([this] { BackwardReaderMain(); });
+}
+
+void CRynDiscBuffer::StopBackwardReader() {
+    shared_.backwardReaderRun.store(0);
+    shared_.backwardWakeEvent.Set();
+}
+
+void CRynDiscBuffer::ForwardReaderMain() {
+    DeckSharedState& s = shared_;
+    ApplyOwnPriority();
+    // The run flag was raised by StartForwardReader before the thread began,
+    // so a stop that comes before this line is not lost.
+    s.forwardReaderWaiting.store(0);
+    s.forwardReaderTick.store(0);
+    for (auto& f : s.forwardFilled)
+        f.store(0);
+    int writeIndex = 0;
+    bool firstFillPosted = false;
+    const bool fileMode = source_ && source_->IsFileMode();
+    bool firstPass = true;
+
+    while (s.forwardReaderRun.load() == 1) {
+        s.forwardReaderTick.store(0);
+        s.forwardReaderWaiting.store(1);
+        // The first pass starts at once; later passes wait for the consumer
+        // (it wakes us every ten blocks it takes).
+        if (!firstPass)
+            s.forwardWakeEvent.Wait();
+        firstPass = false;
+        s.forwardReaderWaiting.store(0);
+        if (s.forwardReaderRun.load() == 0)
+            break;
+
+        int count = 0;
+        for (const auto& f : s.forwardFilled)
+            count += f.load() == 0 ? 1 : 0;
+        bool leave = false;
+        for (int i = 0; i < count; ++i) {
+            if (s.forwardReaderRun.load() == 0) {
+                leave = true;
+                break;
+            }
+            ParkIfSuspended();
+            ApplyOwnPriority();
+            bool endOfStream = false;
+            const int status =
+                source_ ? source_->ReadBlock(s.forwardDisc[writeIndex].data(), &endOfStream) : -1;
+            if (status != 0)
+                continue;  // the same slot is tried again
+            s.forwardFilled[writeIndex].store(1);
+            SendAppMessage(s.deckWindow, UWM_FORWARD_FLAGS, 0, 0);
+            if (fileMode && endOfStream) {
+                // The last file has ended: make sure output starts even for a
+                // track shorter than the first fill.
+                if (!firstFillPosted)
+                    PostAppMessageRetry(s.deckWindow, UWM_FIRST_FILL, 0, 0);
+                leave = true;
+                break;
+            }
+            if (!firstFillPosted && (i == count - 1 || i > s.writeAheadBlocks.load() + 10)) {
+                PostAppMessageRetry(s.deckWindow, UWM_FIRST_FILL, 0, 0);
+                firstFillPosted = true;
+            }
+            writeIndex = (writeIndex + 1) % kForwardDiscBlocks;
+        }
+        s.forwardReaderTick.store(0);
+        if (leave)
+            break;
+    }
+    SendAppMessage(s.deckWindow, UWM_READER_ENDED, 0, 0);
+    forwardFinished_.store(true);
+}
+
+void CRynDiscBuffer::BackwardReaderMain() {
+    DeckSharedState& s = shared_;
+    for (auto& f : s.backwardFilled)
+        f.store(0);
+    int base = 0;
+    const bool fileMode = source_ && source_->IsFileMode();
+    while (s.backwardReaderRun.load() == 1) {
+        s.backwardWakeEvent.Wait();
+        if (s.backwardReaderRun.load() == 0)
+            break;
+        // At most 26 blocks a pass: counting stops once it exceeds 25.
+        int n = 0;
+        for (const auto& f : s.backwardFilled) {
+            if (f.load() == 0 && ++n > 25)
+                break;
+        }
+        if (fileMode && source_)
+            source_->Rewind(n);
+        for (int k = 0; k < n; ++k) {
+            // Source order goes into the ring backwards: the first block read
+            // lands at base + n - 1, the last at base.
+            const int slot = (base + n - 1 - k) % kBackwardDiscBlocks;
+            bool endOfStream = false;
+            if (source_)
+                source_->ReadBlock(s.backwardDisc[slot].data(), &endOfStream);
+            if (s.backwardReaderRun.load() == 0)
+                return;
+            s.backwardFilled[slot].store(1);  // a failed read still marks the slot
+            SendAppMessage(s.deckWindow, UWM_BACKWARD_FLAGS, 0, 0);
+        }
+        if (fileMode && source_)
+            source_->Rewind(n);
+        base = (base + n) % kBackwardDiscBlocks;
+    }
+}
+
+bool CRynDiscBuffer::HandleMessage(Uwm msg, WParam, LParam, LResult* result) {
+    *result = 0;
+    switch (msg) {
+        case UWM_FIRST_FILL: {
+            RequestPriority(ReaderPriority::BelowNormal);
+            const int rate = streamRate_ ? streamRate_() : 44100;
+            PostAppMessageRetry(Engine().mainMixerWindow, UWM_CREATE_DECK_BUFFERS, deck_, rate);
+            PostAppMessageRetry(Engine().mainMixerWindow, UWM_PRIME_DECK, deck_, 0);
+            return true;
+        }
+        case UWM_FORWARD_FLAGS:
+            stats_.HandInForwardFlags(shared_.forwardFilled);
+            return true;
+        case UWM_BACKWARD_FLAGS:
+            stats_.HandInBackwardFlags(shared_.backwardFilled);
+            return true;
+        case UWM_READER_ENDED:
+            forwardAlive_.store(false);
+            return true;
+        default:
+            return false;
+    }
+}
+
+// ---------------------------------------------------------------- watchdog
+
+void CRynDiscBuffer::WatchdogTick() {
+    if (shared_.isPlaying.load() != 0)
+        return;
+    std::lock_guard lock(suspendMutex_);
+    if (!suspended_ && shared_.forwardReaderTick.load() == 1) {
+        if (shared_.forwardReaderWaiting.load() == 0 && forwardAlive_) {
+            suspendRequested_ = true;
+            suspended_ = true;
+            resumeTimer_.start();
+        } else {
+            suspended_ = false;
+        }
+        leds_.discReadError = suspended_;
+        NotifyLeds();
+    }
+    shared_.forwardReaderTick.store(1);
+}
+
+void CRynDiscBuffer::ResumeAfterSuspend() {
+    {
+        std::lock_guard lock(suspendMutex_);
+        const bool was = suspended_;
+        suspendRequested_ = false;
+        suspended_ = false;
+        resumeTimer_.stop();
+        if (was && leds_.discReadError) {
+            leds_.discReadError = false;
+            NotifyLeds();
+        }
+    }
+    suspendCv_.notify_all();
+}
+
+void CRynDiscBuffer::ParkIfSuspended() {
+    std::unique_lock lock(suspendMutex_);
+    suspendCv_.wait(lock,
+                    [this] { return !suspendRequested_ || shared_.forwardReaderRun.load() == 0; });
+}
+
+void CRynDiscBuffer::RequestPriority(ReaderPriority p) {
+    priority_.store(p);
+}
+
+void CRynDiscBuffer::ApplyOwnPriority() {
+    const ReaderPriority want = priority_.load();
+    if (appliedPriority_.load() == want)
+        return;
+    appliedPriority_.store(want);
+    const pid_t tid = static_cast<pid_t>(::syscall(SYS_gettid));
+    ::setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NiceFor(want));
+}
