@@ -11,7 +11,10 @@
 
 #include <QString>
 #include <cstdint>
+#include <mutex>
 #include <vector>
+
+#include "sources/CRynCdAudioClock.h"
 
 namespace testsupport {
 
@@ -47,5 +50,33 @@ std::vector<CdImageTrack> DefaultCdTracks();
 // CUE, as libcdio expects) and returns them with their contents.
 CdImage MakeCdImage(const QString& name = QStringLiteral("mixora-cd"),
                     const std::vector<CdImageTrack>& tracks = DefaultCdTracks());
+
+// A clock for CRynCdAudio that never waits: sleeping moves its time on.
+// Counts the sleeps (1 ms each for pacing and retries). Thread-safe.
+class CdTestClock : public CdClock {
+  public:
+    double NowSeconds() override {
+        std::lock_guard<std::mutex> hold(lock_);
+        return now_;
+    }
+    void SleepMs(int milliseconds) override {
+        std::lock_guard<std::mutex> hold(lock_);
+        now_ += milliseconds / 1000.0;
+        ++sleeps_;
+    }
+    void Advance(double seconds) {
+        std::lock_guard<std::mutex> hold(lock_);
+        now_ += seconds;
+    }
+    int Sleeps() {
+        std::lock_guard<std::mutex> hold(lock_);
+        return sleeps_;
+    }
+
+  private:
+    std::mutex lock_;
+    double now_ = 1000.0;
+    int sleeps_ = 0;
+};
 
 }  // namespace testsupport
