@@ -1,0 +1,108 @@
+// Vector helpers (see VectorOps.h).
+#include "dsp/VectorOps.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "dsp/FixedPoint.h"
+
+namespace dsp {
+namespace {
+
+template <typename T, typename Acc>
+void ConvolveInto(std::span<const T> a, std::span<const T> b, std::span<T> out) {
+    if (a.empty() || b.empty())
+        return;
+    const size_t n = a.size() + b.size() - 1;
+    for (size_t i = 0; i < n && i < out.size(); ++i) {
+        const size_t kLo = i >= b.size() - 1 ? i - (b.size() - 1) : 0;
+        const size_t kHi = std::min(i, a.size() - 1);
+        Acc acc{};
+        for (size_t k = kLo; k <= kHi; ++k)
+            acc += Acc(a[k]) * Acc(b[i - k]);
+        out[i] = static_cast<T>(acc);
+    }
+}
+
+template <typename T>
+double StdDevOf(std::span<const T> x) {
+    if (x.empty())
+        return 0.0;
+    double mean = 0.0;
+    for (T v : x)
+        mean += v;
+    mean /= static_cast<double>(x.size());
+    double var = 0.0;
+    for (T v : x)
+        var += (v - mean) * (v - mean);
+    return std::sqrt(var / static_cast<double>(x.size()));
+}
+
+}  // namespace
+
+void ConvolveFull(std::span<const double> a, std::span<const double> b, std::span<double> out) {
+    ConvolveInto<double, double>(a, b, out);
+}
+
+void ConvolveFull(std::span<const float> a, std::span<const float> b, std::span<float> out) {
+    ConvolveInto<float, double>(a, b, out);
+}
+
+void ConvolveFull16(std::span<const int16_t> a, std::span<const int16_t> b,
+                    std::span<int16_t> out) {
+    if (a.empty() || b.empty())
+        return;
+    const size_t n = a.size() + b.size() - 1;
+    for (size_t i = 0; i < n && i < out.size(); ++i) {
+        const size_t kLo = i >= b.size() - 1 ? i - (b.size() - 1) : 0;
+        const size_t kHi = std::min(i, a.size() - 1);
+        uint32_t acc = 0;  // modulo 2^32, see FixedPoint.h
+        for (size_t k = kLo; k <= kHi; ++k)
+            acc += static_cast<uint32_t>(int32_t{a[k]} * int32_t{b[i - k]});
+        out[i] = ScaleDown16(static_cast<int32_t>(acc), 16);
+    }
+}
+
+void SplitChannels(std::span<const int16_t> block, std::span<int16_t> left,
+                   std::span<int16_t> right) {
+    const size_t n = std::min({block.size() / 2, left.size(), right.size()});
+    for (size_t i = 0; i < n; ++i) {
+        left[i] = block[2 * i];
+        right[i] = block[2 * i + 1];
+    }
+}
+
+void JoinChannels(std::span<const int16_t> left, std::span<const int16_t> right,
+                  std::span<int16_t> block) {
+    const size_t n = std::min({block.size() / 2, left.size(), right.size()});
+    for (size_t i = 0; i < n; ++i) {
+        block[2 * i] = left[i];
+        block[2 * i + 1] = right[i];
+    }
+}
+
+void ToFloat(std::span<const int16_t> in, std::span<float> out) {
+    const size_t n = std::min(in.size(), out.size());
+    for (size_t i = 0; i < n; ++i)
+        out[i] = in[i];
+}
+
+void ToInt16(std::span<const float> in, std::span<int16_t> out) {
+    const size_t n = std::min(in.size(), out.size());
+    for (size_t i = 0; i < n; ++i) {
+        const float v = std::nearbyint(in[i]);  // NaN falls through to 0 below
+        out[i] = v >= 32767.0f    ? int16_t{32767}
+                 : v <= -32768.0f ? int16_t{-32768}
+                 : v == v         ? static_cast<int16_t>(v)
+                                  : int16_t{0};
+    }
+}
+
+double StdDev(std::span<const float> x) {
+    return StdDevOf(x);
+}
+double StdDev(std::span<const int16_t> x) {
+    return StdDevOf(x);
+}
+
+}  // namespace dsp
