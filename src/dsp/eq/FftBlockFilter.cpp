@@ -23,8 +23,8 @@ const FftBlockFilter::Plans& FftBlockFilter::SharedPlans() {
         // later passed to the new-array execute functions.
         float* in = AllocateFftw<float>(kSize);
         fftwf_complex* spec = AllocateFftw<fftwf_complex>(kSpectrumStride);
-        p.forward = fftwf_plan_dft_r2c_1d(kSize, in, spec, FFTW_MEASURE);
-        p.inverse = fftwf_plan_dft_c2r_1d(kSize, spec, in, FFTW_MEASURE);
+        p.forward = fftwf_plan_dft_r2c_1d(kSize, in, spec, FFTW_ESTIMATE);
+        p.inverse = fftwf_plan_dft_c2r_1d(kSize, spec, in, FFTW_ESTIMATE);
         fftwf_free(spec);
         fftwf_free(in);
         return p;
