@@ -60,7 +60,8 @@ class AudioOutputTest : public ::testing::Test {
     }
 
     CRynAudioOutput out;
-    DeckSharedState& deckA = Engine().decks[0];
+    // The engine record is made anew in SetUp: always look it up.
+    static DeckSharedState& DeckA() { return Engine().decks[0]; }
 };
 
 TEST_F(AudioOutputTest, NewDeckIsSilentWithCursorsAtTheirStart) {
@@ -181,10 +182,10 @@ TEST_F(AudioOutputTest, NotificationFiresOncePerBlockBoundary) {
     out.PlayForward(0);
     for (int block = 0; block < 2 * output::kRingBlocks + 3; ++block) {
         Render(kBlockFrames - 1);
-        ASSERT_FALSE(deckA.forwardNotifyEvent.IsSet()) << "block " << block;
+        ASSERT_FALSE(DeckA().forwardNotifyEvent.IsSet()) << "block " << block;
         Render(1);
-        ASSERT_TRUE(deckA.forwardNotifyEvent.Wait(0)) << "block " << block;
-        ASSERT_FALSE(deckA.reverseNotifyEvent.IsSet());
+        ASSERT_TRUE(DeckA().forwardNotifyEvent.Wait(0)) << "block " << block;
+        ASSERT_FALSE(DeckA().reverseNotifyEvent.IsSet());
     }
     // The cursor wrapped round the ring twice and stands three blocks in.
     EXPECT_EQ(out.ForwardPlayCursor(0).bytes, 3 * kBlockBytes);
