@@ -60,10 +60,10 @@ bool ReadWav(const QString& path, WavData* out) {
     return false;
 }
 
-std::vector<std::int16_t> FfmpegDecodeS16Stereo(const QString& path) {
+std::vector<std::int16_t> FfmpegDecodeS16(const QString& path, int channels) {
     QProcess p;
-    p.start("ffmpeg", {"-nostdin", "-loglevel", "error", "-i", path, "-f", "s16le", "-ac", "2",
-                       "-acodec", "pcm_s16le", "-"});
+    p.start("ffmpeg", {"-nostdin", "-loglevel", "error", "-i", path, "-f", "s16le", "-ac",
+                       QString::number(channels), "-acodec", "pcm_s16le", "-"});
     p.waitForFinished(120000);
     const QByteArray raw = p.readAllStandardOutput();
     std::vector<std::int16_t> out(std::size_t(raw.size()) / 2);

@@ -23,8 +23,9 @@ struct WavData {
 // Reads a RIFF/WAVE file's fmt and data chunks; false when it is not one.
 bool ReadWav(const QString& path, WavData* out);
 
-// The file decoded by the ffmpeg program to 16-bit stereo at its own rate.
-std::vector<std::int16_t> FfmpegDecodeS16Stereo(const QString& path);
+// The file decoded by the ffmpeg program to interleaved 16-bit samples of
+// `channels` channels at the file's own rate.
+std::vector<std::int16_t> FfmpegDecodeS16(const QString& path, int channels);
 
 // A file holding `text` (any name), made once.
 QString TextFile(const QString& name, const std::string& text);
