@@ -50,6 +50,8 @@ class CNiGraph : public CNiControl {
     void SetPlotColor(int plot, const QColor& c);
     QColor PlotColor(int plot) const;
     void SetPlotStyle(int plot, PlotStyle style);
+    // Pixels, default 1. Lines wider than 1 pixel cost many times more to
+    // draw: keep them for plots that change seldom.
     void SetPlotLineWidth(int plot, double pixels);
     void SetPlotVisible(int plot, bool visible);
     bool PlotVisible(int plot) const;
@@ -122,7 +124,7 @@ class CNiGraph : public CNiControl {
         QVector<double> y;  // points; a chart uses it as a ring from ringStart
         int ringStart = 0;
         QColor color;
-        double width = 1.5;
+        double width = 1.0;  // wider lines take the slow stroker path
         PlotStyle style = kLines;
         bool visible = true;
         QPolygonF points;      // pixel buffer reused by every redraw

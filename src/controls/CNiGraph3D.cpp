@@ -17,6 +17,7 @@ namespace {
 constexpr double kPi = 3.14159265358979323846;
 constexpr double kHeight = 0.9;  // height of the z axis in world units (floor is 2 × 2)
 constexpr int kColorSteps = 64;  // colour map resolution
+constexpr int kShadeSteps = 8;   // light levels per colour: quads facing the light are brighter
 
 // The reset view: a little above the floor, turned so the columns run down to
 // the right and row 0 is in front.
@@ -41,7 +42,7 @@ CNiGraph3D::CNiGraph3D(QWidget* parent)
     : CNiControl(parent),
       areaColor_(QColor(0, 0, 0)),
       gridColor_(QColor(50, 62, 58)),
-      meshColor_(QColor(0, 0, 0, 110)),
+      meshColor_(),
       surfaceColor_(QColor(70, 200, 120)),
       pointColor_(QColor(250, 220, 90)) {
     RebuildBrushes();
@@ -244,13 +245,17 @@ void CNiGraph3D::SetPointColor(const QColor& c) {
 }
 
 void CNiGraph3D::RebuildBrushes() {
-    brushes_.resize(kColorSteps);
+    brushes_.resize(kColorSteps * kShadeSteps);
     for (int i = 0; i < kColorSteps; ++i) {
         const double t = double(i) / (kColorSteps - 1);
         QColor c = colorMap_ ? MapColor(t) : Mix(surfaceColor_.darker(300), surfaceColor_, t);
         if (!isEnabled())
             c = Mix(c, PanelColor(), 0.6);
-        brushes_[i] = QBrush(c);
+        for (int s = 0; s < kShadeSteps; ++s) {
+            // From 45 % (facing away) to full brightness (facing the light).
+            const double light = 0.45 + 0.55 * s / (kShadeSteps - 1);
+            brushes_[i * kShadeSteps + s] = QBrush(Mix(QColor(0, 0, 0), c, light));
+        }
     }
 }
 
@@ -360,9 +365,16 @@ void CNiGraph3D::paintEvent(QPaintEvent*) {
                 projected_[i] = Project(ToWorld(c, r, values_[i]));
             }
         }
-        p.setPen(meshColor_.isValid() ? QPen(meshColor_, 0.8) : QPen(Qt::NoPen));
+        // Mesh lines double the cost of a quad: off unless a window asks.
+        p.setPen(meshColor_.isValid() ? QPen(meshColor_, 1.0) : QPen(Qt::NoPen));
         const int qc = columns_ - 1;
+        // World size of one step along the columns and the rows, and of the
+        // whole value range, for the quads' slopes.
+        const double du = 2.0 / std::abs(XMaximum() - XMinimum());
+        const double dv = 2.0 / std::abs(YMaximum() - YMinimum());
+        const double dz = kHeight / zSpan;
         QPointF quad[4];
+        int lastBrush = -1;  // neighbours often share a brush: skip the state change
         for (int q : order_) {
             const int r = q / qc, c = q % qc;
             const qsizetype i0 = qsizetype(r) * columns_ + c, i1 = i0 + columns_;
@@ -370,10 +382,21 @@ void CNiGraph3D::paintEvent(QPaintEvent*) {
             quad[1] = projected_[i0 + 1];
             quad[2] = projected_[i1 + 1];
             quad[3] = projected_[i1];
-            const double mean =
-                (values_[i0] + values_[i0 + 1] + values_[i1] + values_[i1 + 1]) * 0.25;
+            const double v00 = values_[i0], v01 = values_[i0 + 1];
+            const double v10 = values_[i1], v11 = values_[i1 + 1];
+            const double mean = (v00 + v01 + v10 + v11) * 0.25;
             const int step = int(std::clamp((mean - zMin_) / zSpan, 0.0, 1.0) * (kColorSteps - 1));
-            p.setBrush(brushes_[step]);
+            // Lambert light from the left, the front and above: normal
+            // (-dz/du, -dz/dv, 1) against the light direction (-0.4, -0.6, 0.7).
+            const double gx = (v01 - v00 + v11 - v10) * 0.5 * dz / du;
+            const double gy = (v10 - v00 + v11 - v01) * 0.5 * dz / dv;
+            const double dot = (0.4 * gx + 0.6 * gy + 0.7) / std::sqrt(gx * gx + gy * gy + 1.0);
+            const int shade = int(std::clamp(dot, 0.0, 0.999) * kShadeSteps);
+            const int brush = step * kShadeSteps + shade;
+            if (brush != lastBrush) {
+                p.setBrush(brushes_[brush]);
+                lastBrush = brush;
+            }
             p.drawConvexPolygon(quad, 4);
         }
     }

@@ -13,8 +13,9 @@
 // surface is seen edge-on from the front (a flat spectrum line). A left drag
 // turns the view.
 //
-// Colours: the plot area, the floor grid, the mesh lines, and the surface,
-// coloured by height through a colour map or in one colour.
+// Colours: the plot area, the floor grid, optional mesh lines, and the
+// surface, coloured by height through a colour map or in one colour and shaded
+// by the light each quad faces.
 //
 // Drawing: the frame, plot area and floor grid are kept in a cached picture per
 // size and view; the quad order is kept per matrix size and view; vertex and
@@ -68,7 +69,9 @@ class CNiGraph3D : public CNiControl {
     void SetPlotAreaColor(const QColor& c);
     QColor PlotAreaColor() const { return areaColor_; }
     void SetGridColor(const QColor& c);
-    void SetMeshColor(const QColor& c);  // invalid: no mesh lines
+    // Lines around every quad (invalid, the default: none; they double the
+    // cost of a redraw). The quads are shaded by the light they face instead.
+    void SetMeshColor(const QColor& c);
     // A colour map from low to high values (true, the default) or one colour.
     void SetColorMap(bool on);
     void SetSurfaceColor(const QColor& c);
@@ -129,7 +132,7 @@ class CNiGraph3D : public CNiControl {
     QVector<QPointF> projected_;  // one per matrix value
     QVector<int> order_;          // quad indices, farthest first
     bool orderDirty_ = true;
-    QVector<QBrush> brushes_;  // colour map steps
+    QVector<QBrush> brushes_;  // colour map steps × light levels
     QPixmap background_;
     bool backgroundDirty_ = true;
 
