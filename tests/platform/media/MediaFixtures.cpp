@@ -1,8 +1,12 @@
 #include "MediaFixtures.h"
 
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QTemporaryDir>
 #include <cmath>
 #include <cstring>
 
@@ -118,6 +122,25 @@ std::vector<std::int16_t> ExpectedStereo16(const WavData& wav) {
     for (std::size_t i = 0; i < mono.size(); ++i)
         stereo[2 * i] = stereo[2 * i + 1] = mono[i];
     return stereo;
+}
+
+void WriteText(const QString& path, const QByteArray& text) {
+    QDir().mkpath(QFileInfo(path).path());
+    QFile f(path);
+    if (f.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        f.write(text);
+}
+
+media::DriveProbeRoots FakeSysfs(const QTemporaryDir& dir, const QString& file, bool removable) {
+    struct stat st {};
+    stat(file.toLocal8Bit().constData(), &st);
+    const QString dev = QString("%1/sys/dev/block/%2:%3")
+                            .arg(dir.path())
+                            .arg(major(st.st_dev))
+                            .arg(minor(st.st_dev));
+    WriteText(dev + "/removable", removable ? "1\n" : "0\n");
+    WriteText(dir.path() + "/mounts", "rootfs / ext4 rw 0 0\n");
+    return {(dir.path() + "/mounts").toStdString(), (dir.path() + "/sys").toStdString()};
 }
 
 }  // namespace mediafixtures

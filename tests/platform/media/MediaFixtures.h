@@ -10,6 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "platform/media/RemovableDrive.h"
+
+class QTemporaryDir;
+
 namespace mediafixtures {
 
 struct WavData {
@@ -36,5 +40,12 @@ QString Truncated(const QString& source, const QString& name, qint64 bytes);
 // Samples of a WAV data chunk as 16-bit stereo the way the decoder must
 // deliver them (mono doubled, 8-bit widened, 24/32-bit and float rounded).
 std::vector<std::int16_t> ExpectedStereo16(const WavData& wav);
+
+// Writes `text` to path, making its folder.
+void WriteText(const QString& path, const QByteArray& text);
+
+// A sysfs tree and mount table in `dir` in which the block device holding
+// `file` is removable (or fixed); the table mounts "/" as ext4.
+media::DriveProbeRoots FakeSysfs(const QTemporaryDir& dir, const QString& file, bool removable);
 
 }  // namespace mediafixtures
