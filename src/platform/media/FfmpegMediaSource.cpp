@@ -21,6 +21,9 @@ namespace {
 // Decoder errors in a row (without a packet consumed) before the stream is
 // treated as ended; rejected packets themselves are skipped.
 constexpr int kMaxReceiveErrors = 16;
+// The containers opened (libavformat demuxer names): audio files only, so
+// that no playlist, image or script demuxer reads other files on our behalf.
+constexpr const char* kAudioContainers = "wav,w64,aiff,mp3,asf,ogg,flac,mov,aac,matroska";
 // Hundred-nanosecond units a second.
 constexpr std::int64_t k100nsPerSecond = 10000000;
 
@@ -172,10 +175,12 @@ bool FfmpegMediaSource::Open(const std::string& path) {
 }
 
 bool FfmpegMediaSource::OpenInput() {
-    // Only plain files: no network, no playlists reaching elsewhere. The
-    // "file:" prefix keeps a name with a colon from reading as a protocol.
+    // Only plain files of audio containers: no network, no playlists reaching
+    // elsewhere. The "file:" prefix keeps a name with a colon from reading
+    // as a protocol.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
+    av_dict_set(&options, "format_whitelist", kAudioContainers, 0);
     const std::string url = "file:" + path_;
     const int opened = avformat_open_input(&format_ctx_, url.c_str(), nullptr, &options);
     av_dict_free(&options);
