@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QScreen>
 #include <array>
+#include <bit>
 
 #include "settings/WindowDefaults.h"
 
@@ -72,27 +73,33 @@ QSize CRynSettings::PrimaryScreenSize() {
 CRynSettings::CRynSettings(SettingsStore& store, ScreenSizeSource screen)
     : store_(store), screen_(std::move(screen)) {}
 
+// The default rule: a value missing (or of the wrong type) is written with its
+// default, then read back, so a value that cannot be saved still holds.
 bool CRynSettings::Flag(const QString& name, bool defaultValue) {
-    if (!store_.HasNumber(name))
-        SetFlag(name, defaultValue);
+    if (std::optional<std::uint32_t> v = store_.FindNumber(name))
+        return *v != 0;
+    SetFlag(name, defaultValue);
     return store_.ReadNumber(name) != 0;
 }
 
 int CRynSettings::Number(const QString& name, int defaultValue) {
-    if (!store_.HasNumber(name))
-        SetNumber(name, defaultValue);
+    if (std::optional<std::uint32_t> v = store_.FindNumber(name))
+        return static_cast<int>(*v);
+    SetNumber(name, defaultValue);
     return static_cast<int>(store_.ReadNumber(name));
 }
 
 float CRynSettings::Real(const QString& name, float defaultValue) {
-    if (!store_.HasNumber(name))
-        store_.WriteReal(name, defaultValue);
+    if (std::optional<std::uint32_t> v = store_.FindNumber(name))
+        return std::bit_cast<float>(*v);
+    store_.WriteReal(name, defaultValue);
     return store_.ReadReal(name);
 }
 
 QString CRynSettings::Text(const QString& name, const QString& defaultValue) {
-    if (!store_.HasText(name))
-        store_.WriteText(name, defaultValue);
+    if (std::optional<QString> v = store_.FindText(name))
+        return *v;
+    store_.WriteText(name, defaultValue);
     return store_.ReadText(name);
 }
 
@@ -385,8 +392,9 @@ bool CRynSettings::SetThreeDGraphMode(const QString& mode) {
 
 // Configuration.
 QString CRynSettings::GetGraphNumberType() {
-    if (!store_.HasText(kGraphNumberType))
-        SetGraphNumberType(kFloats);
+    if (std::optional<QString> v = store_.FindText(kGraphNumberType))
+        return *v;
+    SetGraphNumberType(kFloats);
     return store_.ReadText(kGraphNumberType);
 }
 bool CRynSettings::SetGraphNumberType(const QString& type) {
@@ -451,12 +459,14 @@ WindowRect CRynSettings::ReadWindowRect(SettingsWindow window, int deck, bool lo
         PositionName(window, deck, WindowField::Right, lowRes),
         PositionName(window, deck, WindowField::Bottom, lowRes),
     };
-    for (const QString& name : names) {
-        if (!store_.HasNumber(name)) {
-            WriteWindowRect(window, deck, lowRes, DefaultRect(window, deck, lowRes));
-            break;
-        }
-    }
+    std::array<std::optional<std::uint32_t>, 4> stored;
+    for (int i = 0; i < 4; ++i)
+        stored[i] = store_.FindNumber(names[i]);
+    const bool complete = stored[0] && stored[1] && stored[2] && stored[3];
+    if (complete)
+        return {static_cast<int>(*stored[0]), static_cast<int>(*stored[1]),
+                static_cast<int>(*stored[2]), static_cast<int>(*stored[3])};
+    WriteWindowRect(window, deck, lowRes, DefaultRect(window, deck, lowRes));
     auto read = [&](int i) { return static_cast<int>(store_.ReadNumber(names[i])); };
     return {read(0), read(1), read(2), read(3)};
 }

@@ -34,32 +34,38 @@ bool SettingsStore::Exists(const QString& name) {
     return Locked([&] { return FindLocked(name) != nullptr; });
 }
 
-bool SettingsStore::HasNumber(const QString& name) {
-    return Locked([&] {
+std::optional<std::uint32_t> SettingsStore::FindNumber(const QString& name) {
+    return Locked([&]() -> std::optional<std::uint32_t> {
         const SettingsValue* v = FindLocked(name);
-        return v && v->kind == SettingsValue::Kind::Number;
+        if (v && v->kind == SettingsValue::Kind::Number)
+            return v->number;
+        return std::nullopt;
     });
+}
+
+std::optional<QString> SettingsStore::FindText(const QString& name) {
+    return Locked([&]() -> std::optional<QString> {
+        const SettingsValue* v = FindLocked(name);
+        if (v && v->kind == SettingsValue::Kind::Text)
+            return v->text;
+        return std::nullopt;
+    });
+}
+
+bool SettingsStore::HasNumber(const QString& name) {
+    return FindNumber(name).has_value();
 }
 
 bool SettingsStore::HasText(const QString& name) {
-    return Locked([&] {
-        const SettingsValue* v = FindLocked(name);
-        return v && v->kind == SettingsValue::Kind::Text;
-    });
+    return FindText(name).has_value();
 }
 
 std::uint32_t SettingsStore::ReadNumber(const QString& name) {
-    return Locked([&] {
-        const SettingsValue* v = FindLocked(name);
-        return v && v->kind == SettingsValue::Kind::Number ? v->number : std::uint32_t{0};
-    });
+    return FindNumber(name).value_or(0);
 }
 
 QString SettingsStore::ReadText(const QString& name) {
-    return Locked([&] {
-        const SettingsValue* v = FindLocked(name);
-        return v && v->kind == SettingsValue::Kind::Text ? v->text : QString();
-    });
+    return FindText(name).value_or(QString());
 }
 
 float SettingsStore::ReadReal(const QString& name) {

@@ -23,6 +23,7 @@
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 #include "settings/AtomicFile.h"
@@ -48,6 +49,10 @@ class SettingsStore {
     // Whether a value of that type is stored (a wrong type counts as missing).
     bool HasNumber(const QString& name);
     bool HasText(const QString& name);
+
+    // The value when stored with that type (one look-up for the getters).
+    std::optional<std::uint32_t> FindNumber(const QString& name);
+    std::optional<QString> FindText(const QString& name);
 
     std::uint32_t ReadNumber(const QString& name);  // 0 when missing or not a Number
     QString ReadText(const QString& name);          // empty when missing or not a Text
