@@ -57,6 +57,8 @@ class JackServer {
         if (shm.entryList({"jack_*_*_0"}, QDir::System).isEmpty()) {
             for (const QString& f : shm.entryList({"jack-*", "jack_sem.*"}, QDir::Files))
                 shm.remove(f);
+            for (const QString& d : shm.entryList({"jack_db-*"}, QDir::Dirs))
+                QDir(shm.filePath(d)).removeRecursively();
         }
     }
 
