@@ -124,7 +124,8 @@ bool SettingsStore::Batch::Commit() {
     bool ok = true;
     {
         std::lock_guard lock(store_.mutex_);
-        if (--store_.batchDepth_ == 0 && store_.dirty_)
+        // The outermost batch writes what changed, or retries a failed write.
+        if (--store_.batchDepth_ == 0 && (store_.dirty_ || !store_.lastSaveOk_))
             ok = store_.SaveLocked();
     }
     store_.FlushMessages();
