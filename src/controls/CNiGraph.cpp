@@ -109,6 +109,7 @@ CNiGraph::Plot* CNiGraph::EnsurePlot(int plot) {
 void CNiGraph::SetPlotColor(int plot, const QColor& c) {
     if (Plot* p = EnsurePlot(plot)) {
         p->color = c;
+        p->penDirty = true;
         PlotChanged();
     }
 }
@@ -120,6 +121,7 @@ QColor CNiGraph::PlotColor(int plot) const {
 void CNiGraph::SetPlotStyle(int plot, PlotStyle style) {
     if (Plot* p = EnsurePlot(plot)) {
         p->style = style;
+        p->penDirty = true;
         PlotChanged();
     }
 }
@@ -127,6 +129,7 @@ void CNiGraph::SetPlotStyle(int plot, PlotStyle style) {
 void CNiGraph::SetPlotLineWidth(int plot, double pixels) {
     if (Plot* p = EnsurePlot(plot)) {
         p->width = std::clamp(pixels, 0.5, 8.0);
+        p->penDirty = true;
         PlotChanged();
     }
 }
@@ -492,6 +495,11 @@ void CNiGraph::paintEvent(QPaintEvent* event) {
 void CNiGraph::PaintPlot(QPainter& p, Plot& plot) {
     const qsizetype n = plot.y.size();
     const QColor color = isEnabled() ? plot.color : Mix(plot.color, PanelColor(), 0.6);
+    if (plot.penDirty || plot.pen.color() != color) {
+        const double w = plot.style == kPoints ? plot.width + 1.5 : plot.width;
+        plot.pen = QPen(color, w, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+        plot.penDirty = false;
+    }
     if (plot.style == kBars) {
         const QRectF area = PlotRect();
         const double barW =
@@ -514,10 +522,10 @@ void CNiGraph::PaintPlot(QPainter& p, Plot& plot) {
     for (qsizetype i = 0; i < n; ++i)
         plot.points[i] = ToPixel(xStart_ + double(i) * xStep_, plot.y[(plot.ringStart + i) % n]);
     if (plot.style == kPoints) {
-        p.setPen(QPen(color, plot.width + 1.5, Qt::SolidLine, Qt::RoundCap));
+        p.setPen(plot.pen);
         p.drawPoints(plot.points.constData(), int(n));
     } else {
-        p.setPen(QPen(color, plot.width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        p.setPen(plot.pen);
         p.drawPolyline(plot.points.constData(), int(n));
     }
 }

@@ -18,6 +18,7 @@
 #pragma once
 
 #include <QColor>
+#include <QPen>
 #include <QPixmap>
 #include <QPolygonF>
 #include <QVector>
@@ -127,6 +128,8 @@ class CNiGraph : public CNiControl {
         double width = 1.0;  // wider lines take the slow stroker path
         PlotStyle style = kLines;
         bool visible = true;
+        QPen pen;  // made when the colour, width or enabled state changes
+        bool penDirty = true;
         QPolygonF points;      // pixel buffer reused by every redraw
         QVector<QRectF> bars;  // bar buffer reused by every redraw
     };
