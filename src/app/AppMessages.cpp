@@ -12,6 +12,7 @@
 #include <mutex>
 #include <thread>
 #include <unordered_map>
+#include <vector>
 
 #include "app/ThreadRole.h"
 
@@ -27,7 +28,8 @@ struct SendWait {
     void Finish(LResult r) {
         {
             std::lock_guard lock(mutex);
-            if (finished) return;
+            if (finished)
+                return;
             finished = true;
             result = r;
         }
@@ -40,6 +42,9 @@ const QEvent::Type kAppMessageEventType = static_cast<QEvent::Type>(QEvent::regi
 struct Entry {
     QObject* object = nullptr;
     MessageReceiver* receiver = nullptr;
+    // Sends from other threads still waiting for this receiver; released with
+    // 0 when it unregisters.
+    std::vector<std::weak_ptr<SendWait>> waiting;
 };
 
 std::mutex g_registryMutex;
@@ -48,8 +53,9 @@ WindowHandle g_nextHandle = 1;
 std::atomic<int> g_failPosts{0};
 
 class AppMessageEvent : public QEvent {
-public:
-    AppMessageEvent(WindowHandle target, Uwm msg, WParam w, LParam l, std::shared_ptr<SendWait> wait)
+  public:
+    AppMessageEvent(WindowHandle target, Uwm msg, WParam w, LParam l,
+                    std::shared_ptr<SendWait> wait)
         : QEvent(kAppMessageEventType),
           target_(target),
           msg_(msg),
@@ -58,7 +64,8 @@ public:
           wait_(std::move(wait)) {}
     // A queued send whose receiver vanishes is discarded by Qt: answer 0.
     ~AppMessageEvent() override {
-        if (wait_) wait_->Finish(0);
+        if (wait_)
+            wait_->Finish(0);
     }
 
     void Deliver() {
@@ -66,13 +73,15 @@ public:
         {
             std::lock_guard lock(g_registryMutex);
             auto it = g_registry.find(target_);
-            if (it != g_registry.end()) receiver = it->second.receiver;
+            if (it != g_registry.end())
+                receiver = it->second.receiver;
         }
         LResult r = receiver ? receiver->OnAppMessage(msg_, w_, l_) : 0;
-        if (wait_) wait_->Finish(r);
+        if (wait_)
+            wait_->Finish(r);
     }
 
-private:
+  private:
     WindowHandle target_;
     Uwm msg_;
     WParam w_;
@@ -82,7 +91,7 @@ private:
 
 // Lives on each receiver's object as an event filter that delivers our events.
 class Deliverer : public QObject {
-public:
+  public:
     bool eventFilter(QObject*, QEvent* e) override {
         if (e->type() == kAppMessageEventType) {
             static_cast<AppMessageEvent*>(e)->Deliver();
@@ -111,28 +120,32 @@ const char* UwmName(std::uint32_t msg) {
 #define N(x) \
     case x:  \
         return #x;
-        N(UWM_CONFIG_REFRESH) N(UWM_RESERVED_8002) N(UWM_EQ_NUMBER_TYPE) N(UWM_EQ_TYPE)
-        N(UWM_GRAPH_NUMBER_TYPE) N(UWM_SET_DIRECTION) N(UWM_WINDOW_CLOSED) N(UWM_START_SCRATCH)
-        N(UWM_CREATE_DECK_BUFFERS) N(UWM_DIAGNOSTICS) N(UWM_APPLY_PAN) N(UWM_ASSIGN_CD_DRIVE)
-        N(UWM_APPLY_EFFECT) N(UWM_APPLY_EFFECT_PARAMETER) N(UWM_3D_GRAPH_VALUE)
-        N(UWM_FIRST_FILL) N(UWM_RELEASE_DECK) N(UWM_BACKWARD_FLAGS) N(UWM_FORWARD_FLAGS)
-        N(UWM_GRAPHS_PRIORITY) N(UWM_DECK_VALUE) N(UWM_READER_ENDED) N(UWM_RESERVED_8017)
-        N(UWM_END_OF_TRACK) N(UWM_LATENCY_MAXIMUM) N(UWM_LATENCY_QUARTER_REQUEST)
-        N(UWM_EQ_BAND_GAIN) N(UWM_DEVICE_EQ_BANDS) N(UWM_DEVICE_EQ_ON) N(UWM_SHUTDOWN)
-        N(UWM_SEARCH_ENTER) N(UWM_KEY_POLLED) N(UWM_KEY_DOWN) N(UWM_KEY_UP)
-        N(UWM_GRAPH_DOUBLE_CLICK) N(UWM_MINIMISE_ALL) N(UWM_SET_SOUND_DEVICE)
-        N(UWM_FORWARD_PLAY) N(UWM_REVERSE_PLAY) N(UWM_START_FORWARD_THREAD)
-        N(UWM_START_REVERSE_THREAD) N(UWM_FORWARD_NOTIFY) N(UWM_REVERSE_NOTIFY)
-        N(UWM_SCRATCH_DONE) N(UWM_LOAD_AND_PLAY) N(UWM_PRIME_DECK) N(UWM_RESTORE_ALL)
-        N(UWM_REFRESH_CD_DRIVES) N(UWM_LISTENER_POSITION) N(UWM_SET_REVERSE_POSITION)
-        N(UWM_HELP_BUTTONS) N(UWM_SET_FORWARD_POSITION) N(UWM_METERS_THREAD)
-        N(UWM_SET_REVERSE_FREQUENCY) N(UWM_SET_FORWARD_FREQUENCY) N(UWM_TITLE_BARS)
-        N(UWM_PLAY_SCRATCH) N(UWM_STOP_DECK) N(UWM_STOP_REVERSE) N(UWM_TICK)
-        N(UWM_DECK_INFO_UPDATE) N(UWM_GRAPHS_UPDATE) N(UWM_TRACK_NUMBER) N(UWM_TRACK_INFO)
-        N(UWM_LATENCY_QUARTER)
+        N(UWM_CONFIG_REFRESH)
+        N(UWM_RESERVED_8002) N(UWM_EQ_NUMBER_TYPE) N(UWM_EQ_TYPE) N(UWM_GRAPH_NUMBER_TYPE) N(
+            UWM_SET_DIRECTION) N(UWM_WINDOW_CLOSED) N(UWM_START_SCRATCH) N(UWM_CREATE_DECK_BUFFERS)
+            N(UWM_DIAGNOSTICS) N(UWM_APPLY_PAN) N(UWM_ASSIGN_CD_DRIVE) N(UWM_APPLY_EFFECT) N(
+                UWM_APPLY_EFFECT_PARAMETER) N(UWM_3D_GRAPH_VALUE) N(UWM_FIRST_FILL)
+                N(UWM_RELEASE_DECK) N(UWM_BACKWARD_FLAGS) N(UWM_FORWARD_FLAGS) N(
+                    UWM_GRAPHS_PRIORITY) N(UWM_DECK_VALUE) N(UWM_READER_ENDED) N(UWM_RESERVED_8017)
+                    N(UWM_END_OF_TRACK) N(UWM_LATENCY_MAXIMUM) N(UWM_LATENCY_QUARTER_REQUEST) N(
+                        UWM_EQ_BAND_GAIN) N(UWM_DEVICE_EQ_BANDS) N(UWM_DEVICE_EQ_ON) N(UWM_SHUTDOWN)
+                        N(UWM_SEARCH_ENTER) N(UWM_KEY_POLLED) N(UWM_KEY_DOWN) N(UWM_KEY_UP)
+                            N(UWM_GRAPH_DOUBLE_CLICK) N(UWM_MINIMISE_ALL) N(UWM_SET_SOUND_DEVICE) N(
+                                UWM_FORWARD_PLAY) N(UWM_REVERSE_PLAY) N(UWM_START_FORWARD_THREAD)
+                                N(UWM_START_REVERSE_THREAD) N(UWM_FORWARD_NOTIFY) N(
+                                    UWM_REVERSE_NOTIFY) N(UWM_SCRATCH_DONE) N(UWM_LOAD_AND_PLAY)
+                                    N(UWM_PRIME_DECK) N(UWM_RESTORE_ALL) N(UWM_REFRESH_CD_DRIVES)
+                                        N(UWM_LISTENER_POSITION) N(UWM_SET_REVERSE_POSITION)
+                                            N(UWM_HELP_BUTTONS) N(UWM_SET_FORWARD_POSITION)
+                                                N(UWM_METERS_THREAD) N(UWM_SET_REVERSE_FREQUENCY) N(
+                                                    UWM_SET_FORWARD_FREQUENCY) N(UWM_TITLE_BARS)
+                                                    N(UWM_PLAY_SCRATCH) N(UWM_STOP_DECK) N(
+                                                        UWM_STOP_REVERSE) N(UWM_TICK)
+                                                        N(UWM_DECK_INFO_UPDATE) N(UWM_GRAPHS_UPDATE)
+                                                            N(UWM_TRACK_NUMBER) N(UWM_TRACK_INFO)
+                                                                N(UWM_LATENCY_QUARTER)
 #undef N
-        default:
-            return "UWM_UNKNOWN";
+                                                                    default : return "UWM_UNKNOWN";
     }
 }
 
@@ -140,14 +153,26 @@ WindowHandle RegisterReceiver(QObject* object, MessageReceiver* receiver) {
     TheDeliverer(object);
     std::lock_guard lock(g_registryMutex);
     WindowHandle h = g_nextHandle++;
-    if (g_nextHandle == 0) g_nextHandle = 1;
-    g_registry[h] = Entry{object, receiver};
+    if (g_nextHandle == 0)
+        g_nextHandle = 1;
+    g_registry[h] = Entry{object, receiver, {}};
     return h;
 }
 
 void UnregisterReceiver(WindowHandle handle) {
-    std::lock_guard lock(g_registryMutex);
-    g_registry.erase(handle);
+    std::vector<std::weak_ptr<SendWait>> waiting;
+    {
+        std::lock_guard lock(g_registryMutex);
+        auto it = g_registry.find(handle);
+        if (it == g_registry.end())
+            return;
+        waiting.swap(it->second.waiting);
+        g_registry.erase(it);
+    }
+    for (auto& w : waiting) {
+        if (auto wait = w.lock())
+            wait->Finish(0);
+    }
 }
 
 bool IsWindow(WindowHandle handle) {
@@ -162,11 +187,17 @@ LResult SendAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lPara
     {
         std::lock_guard lock(g_registryMutex);
         auto it = g_registry.find(target);
-        if (it == g_registry.end()) return 0;
+        if (it == g_registry.end())
+            return 0;
         if (it->second.object->thread() == QThread::currentThread()) {
             direct = it->second.receiver;
         } else {
+            if (!QCoreApplication::instance())
+                return 0;
             wait = std::make_shared<SendWait>();
+            auto& waiting = it->second.waiting;
+            std::erase_if(waiting, [](const std::weak_ptr<SendWait>& w) { return w.expired(); });
+            waiting.push_back(wait);
             QCoreApplication::postEvent(it->second.object,
                                         new AppMessageEvent(target, msg, wParam, lParam, wait),
                                         Qt::HighEventPriority);
@@ -174,18 +205,19 @@ LResult SendAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lPara
     }
     // On the receiver's own thread the send is a direct call, made outside
     // the registry lock so the handler may send or post freely.
-    if (direct) return direct->OnAppMessage(msg, wParam, lParam);
+    if (direct)
+        return direct->OnAppMessage(msg, wParam, lParam);
     std::unique_lock lock(wait->mutex);
     while (!wait->finished) {
-        // The receiver may be unregistered while we wait (its events then die
-        // with it); look again now and then so a send never hangs on a window
-        // that is gone.
+        // Unregistering the receiver releases us; looking again now and then
+        // is a second guard so a send never hangs on a window that is gone.
         if (wait->done.wait_for(lock, std::chrono::milliseconds(50)) == std::cv_status::timeout &&
             !wait->finished) {
             lock.unlock();
             bool alive = IsWindow(target);
             lock.lock();
-            if (!alive && !wait->finished) return 0;
+            if (!alive && !wait->finished)
+                return 0;
         }
     }
     return wait->result;
@@ -194,11 +226,13 @@ LResult SendAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lPara
 bool PostAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) {
     int fail = g_failPosts.load();
     while (fail > 0) {
-        if (g_failPosts.compare_exchange_weak(fail, fail - 1)) return false;
+        if (g_failPosts.compare_exchange_weak(fail, fail - 1))
+            return false;
     }
     std::lock_guard lock(g_registryMutex);
     auto it = g_registry.find(target);
-    if (it == g_registry.end()) return false;
+    if (it == g_registry.end() || !QCoreApplication::instance())
+        return false;
     QCoreApplication::postEvent(it->second.object,
                                 new AppMessageEvent(target, msg, wParam, lParam, nullptr));
     return true;
@@ -206,12 +240,15 @@ bool PostAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) 
 
 void PostAppMessageRetry(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) {
     while (!PostAppMessage(target, msg, wParam, lParam)) {
-        if (!IsWindow(target)) return;
+        if (!IsWindow(target))
+            return;
         std::this_thread::sleep_for(std::chrono::milliseconds(1));
     }
 }
 
-void FailNextPostsForTest(int count) { g_failPosts.store(count); }
+void FailNextPostsForTest(int count) {
+    g_failPosts.store(count);
+}
 
 void PumpMessages(int maxRounds) {
     for (int i = 0; i < maxRounds; ++i) {

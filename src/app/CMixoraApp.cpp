@@ -1,31 +1,59 @@
 #include "app/CMixoraApp.h"
 
 #include <QApplication>
-#include <QCommandLineParser>
-#include <QFileInfo>
 #include <cstdio>
+
+#include "app/CMixoraDlg.h"
+#include "app/CommandLine.h"
+#include "app/ShellAutoTest.h"
 
 namespace {
 QStringList g_files;
 }
 
-const QStringList& CMixoraApp::CommandLineFiles() { return g_files; }
+const QStringList& CMixoraApp::CommandLineFiles() {
+    return g_files;
+}
 
 int CMixoraApp::Run(int argc, char** argv) {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName("Mixora");
-    QApplication::setOrganizationName("Orvane");
-    QApplication::setApplicationVersion(MIXORA_VERSION);
-
-    QCommandLineParser parser;
-    parser.setApplicationDescription("Mixora: a two-deck DJ mixing program.");
-    parser.addHelpOption();
-    parser.addVersionOption();
-    parser.addPositionalArgument("files", "Audio files: the first loads on deck A, the second on deck B.",
-                                 "[file ...]");
-    parser.process(app);
-    for (const QString& f : parser.positionalArguments()) {
-        g_files << QFileInfo(f).absoluteFilePath();
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const CommandLine cl = ParseCommandLine(arguments);
+    switch (cl.action) {
+        case CommandLine::Action::Help:
+        case CommandLine::Action::Version:
+            std::fputs(qPrintable(cl.text), stdout);
+            return 0;
+        case CommandLine::Action::Error:
+            std::fputs(qPrintable(cl.text), stderr);
+            return 2;
+        case CommandLine::Action::Run:
+            break;
     }
-    return 0;
+    g_files = cl.files;
+    if (g_files.size() > 2) {
+        std::fprintf(stderr, "mixora: only two decks; files after the second are ignored\n");
+        g_files = g_files.mid(0, 2);
+    }
+
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Mixora"));
+    QApplication::setOrganizationName(QStringLiteral("Orvane"));
+    QApplication::setApplicationVersion(QStringLiteral(MIXORA_VERSION));
+    // The host stays off-screen and hidden windows must not end the program.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    CMixoraDlg::Options options;
+    options.layers = AutoTestPlatformLayers();
+    if (AutoTestActive()) {
+        options.showError = [](const QString& text) {
+            std::fprintf(stderr, "%s\n", qPrintable(text));
+        };
+    }
+    CMixoraDlg host(std::move(options));
+    if (!host.StartUp())
+        return 1;
+    ArmAutoTest(host);
+    return QApplication::exec();
 }

@@ -4,12 +4,13 @@
 #pragma once
 
 #include <QWidget>
+#include <map>
 
 #include "app/AppMessages.h"
 
 class CRynWindow : public QWidget, public MessageReceiver {
     Q_OBJECT
-public:
+  public:
     CRynWindow(const char* className, int templateId, QWidget* parent = nullptr);
     ~CRynWindow() override;
 
@@ -20,20 +21,38 @@ public:
     // Default: log and ignore messages this window does not handle yet.
     LResult OnAppMessage(Uwm msg, WParam wParam, LParam lParam) override;
 
-private:
+    // Numbered window timers (each window numbers its own from 1): starts or
+    // restarts timer `id` with a period of `periodMs` milliseconds; `once`
+    // stops it after its first firing. OnWindowTimer runs on the window's
+    // thread.
+    void SetWindowTimer(int id, int periodMs, bool once = false);
+    void KillWindowTimer(int id);
+    bool WindowTimerActive(int id) const;
+
+  protected:
+    // Default: nothing.
+    virtual void OnWindowTimer(int id);
+    void timerEvent(QTimerEvent* event) override;
+
+  private:
     const char* className_;
     int templateId_;
     WindowHandle handle_;
+    struct Timer {
+        int qtId;
+        bool once;
+    };
+    std::map<int, Timer> timers_;  // by window timer id
 };
 
 // A message receiver that is not a window (tests, helpers): a QObject living
 // on the creating thread.
 class MessageSink : public QObject, public MessageReceiver {
-public:
+  public:
     MessageSink();
     ~MessageSink() override;
     WindowHandle Handle() const { return handle_; }
 
-private:
+  private:
     WindowHandle handle_;
 };

@@ -24,8 +24,11 @@ void DeckSharedState::ResetFields() {
     freshDataLow.store(0);
     blocksAheadCopy.store(0);
     outputFrequency.store(44100);
-    for (auto& f : forwardFilled) f.store(0);
-    for (auto& f : backwardFilled) f.store(0);
+    deckInfoThread = nullptr;
+    for (auto& f : forwardFilled)
+        f.store(0);
+    for (auto& f : backwardFilled)
+        f.store(0);
 }
 
 bool SharedEngineState::AnyDeckPlaying() const {
@@ -38,8 +41,8 @@ SharedEngineState& Engine() {
     if (!g_engine) {
         g_engine = new SharedEngineState;
         for (int d = 0; d < kDeckCount; ++d) {
-            g_engine->decks[d].deckInfoEvent = std::make_unique<SyncEvent>(
-                SyncEvent::Kind::AutoReset, true, DeckInfoEventName(d));
+            g_engine->decks[d].deckInfoEvent =
+                std::make_unique<SyncEvent>(SyncEvent::Kind::AutoReset, true, DeckInfoEventName(d));
         }
     }
     return *g_engine;

@@ -17,6 +17,7 @@
 
 class CRynFileDecoder;
 class CRynKeyboard;
+class WorkerThread;
 
 // The PCM block: 4704 bytes = 1176 stereo frames of 16-bit samples = two CD
 // sectors, 26.67 ms at 44100 Hz. The unit of every read and mix step.
@@ -33,13 +34,13 @@ using PcmBlock = std::array<std::uint8_t, kBlockBytes>;
 struct DeckSharedState {
     WindowHandle deckWindow = 0;  // target of reader and end-of-stream messages
 
-    std::atomic<std::int32_t> isPlaying{0};   // needle down and the deck is audible
-    std::atomic<std::int32_t> sourceType{0};  // 0 = CD mode, 1 = File mode
+    std::atomic<std::int32_t> isPlaying{0};       // needle down and the deck is audible
+    std::atomic<std::int32_t> sourceType{0};      // 0 = CD mode, 1 = File mode
     std::atomic<std::int32_t> sampleRate{44100};  // stream rate, Hz
     std::atomic<std::int32_t> writeAheadBlocks{0};
     std::atomic<std::int32_t> latencyBlocks{0};
     std::atomic<std::int32_t> metersOff{0};
-    std::atomic<std::int32_t> cdDrive{-1};  // -1 = none
+    std::atomic<std::int32_t> cdDrive{-1};             // -1 = none
     std::atomic<std::int32_t> outputFrequency{44100};  // Hz, after tempo
 
     // Notification threads: the device signals these at block boundaries.
@@ -53,6 +54,14 @@ struct DeckSharedState {
     // Deck information thread ("Deck65Update Deck Info Event" for deck A).
     std::unique_ptr<SyncEvent> deckInfoEvent;
     std::atomic<std::int32_t> deckInfoThreadRun{0};
+    // The running deck information thread, or none. Owned by the deck
+    // information window; read and written on the user-interface thread only.
+    WorkerThread* deckInfoThread = nullptr;
+
+    // Two manual-reset events per deck, created at start-up and closed at
+    // shutdown; kept for the disc readers, unused so far.
+    SyncEvent manualEvent1{SyncEvent::Kind::ManualReset, false};
+    SyncEvent manualEvent2{SyncEvent::Kind::ManualReset, false};
 
     // Play-list duration probe wake event.
     SyncEvent playListWakeEvent{SyncEvent::Kind::AutoReset, false};
@@ -104,7 +113,11 @@ struct SharedEngineState {
                                          "Update Graphs And Meters Event"};
     SyncEvent tickWakeEvent{SyncEvent::Kind::AutoReset, false};
 
-    std::string helpFilePath;
+    // The graphs-and-meters thread while it runs, or none. Owned by the host;
+    // user-interface thread only.
+    WorkerThread* graphsThread = nullptr;
+
+    std::string helpFilePath;  // "MixoraHtmlHelp.chm"
     CRynKeyboard* keyboard = nullptr;
 
     std::array<DeckSharedState, kDeckCount> decks;

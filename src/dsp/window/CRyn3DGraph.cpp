@@ -7,7 +7,9 @@ CRyn3DGraph::CRyn3DGraph(QWidget* parent) : CRynWindow("CRyn3DGraph", kTemplateI
     resize(400, 300);
 }
 
-void CRyn3DGraph::Initialise(WindowHandle mainMixer) { mainMixer_ = mainMixer; }
+void CRyn3DGraph::Initialise(WindowHandle mainMixer) {
+    mainMixer_ = mainMixer;
+}
 
 void CRyn3DGraph::closeEvent(QCloseEvent* event) {
     event->ignore();

@@ -6,7 +6,7 @@
 
 class CRyn3DGraph : public CRynWindow {
     Q_OBJECT
-public:
+  public:
     static constexpr int kTemplateId = 129;
 
     explicit CRyn3DGraph(QWidget* parent = nullptr);
@@ -14,10 +14,10 @@ public:
     void Initialise(WindowHandle mainMixer);
     WindowHandle MainMixer() const { return mainMixer_; }
 
-protected:
+  protected:
     // The close box hides the window and tells the main mixer.
     void closeEvent(QCloseEvent* event) override;
 
-private:
+  private:
     WindowHandle mainMixer_ = 0;
 };

@@ -2,8 +2,7 @@
 
 #include <QCloseEvent>
 
-CRynEqualizer::CRynEqualizer(QWidget* parent)
-    : CRynWindow("CRynEqualizer", kTemplateId, parent) {
+CRynEqualizer::CRynEqualizer(QWidget* parent) : CRynWindow("CRynEqualizer", kTemplateId, parent) {
     resize(360, 240);
 }
 

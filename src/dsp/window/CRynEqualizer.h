@@ -6,7 +6,7 @@
 
 class CRynEqualizer : public CRynWindow {
     Q_OBJECT
-public:
+  public:
     static constexpr int kTemplateId = 137;
 
     explicit CRynEqualizer(QWidget* parent = nullptr);
@@ -15,11 +15,11 @@ public:
     int DeckIndex() const { return deck_; }
     WindowHandle DeckWindow() const { return deckWindow_; }
 
-protected:
+  protected:
     // The close box hides the window and tells its deck.
     void closeEvent(QCloseEvent* event) override;
 
-private:
+  private:
     int deck_ = 0;
     WindowHandle deckWindow_ = 0;
 };

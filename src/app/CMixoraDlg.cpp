@@ -1,0 +1,572 @@
+#include "app/CMixoraDlg.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QMessageBox>
+#include <QPainter>
+#include <QScreen>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <chrono>
+#include <cstdio>
+#include <thread>
+
+#include "app/CMixoraApp.h"
+#include "app/CRynWindow.h"
+#include "app/EngineState.h"
+#include "app/ProgressLamp.h"
+#include "app/ScreenMode.h"
+#include "app/ServiceThreads.h"
+#include "app/ShellLog.h"
+#include "deck/CRynDeck.h"
+#include "deck/CRynDeckInfo.h"
+#include "dsp/window/CRyn3DGraph.h"
+#include "dsp/window/CRynEqualizer.h"
+#include "output/mixer/CRynHeadphonesMixer.h"
+#include "output/mixer/CRynMainMixer.h"
+#include "playlist/window/CRynPlayList.h"
+
+namespace {
+
+int PauseFromEnvironment() {
+    bool ok = false;
+    const int ms = qEnvironmentVariableIntValue("MIXORA_SHUTDOWN_PAUSE_MS", &ok);
+    return ok && ms >= 0 ? ms : CMixoraDlg::kDefaultPauseMs;
+}
+
+// The full-screen client area: the primary screen without panels.
+QRect FullScreenArea() {
+    QScreen* screen = QGuiApplication::primaryScreen();
+    return screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+}
+
+QIcon AppIcon() {
+    QPixmap pixmap(32, 32);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setBrush(QColor(20, 20, 20));
+    p.setPen(QPen(QColor(40, 170, 255), 2));
+    p.drawEllipse(2, 2, 28, 28);
+    p.setBrush(QColor(255, 160, 30));
+    p.setPen(Qt::NoPen);
+    p.drawEllipse(12, 12, 8, 8);
+    return QIcon(pixmap);
+}
+
+void DefaultShowError(const QString& text) {
+    std::fprintf(stderr, "%s\n", qPrintable(text));
+    QMessageBox::critical(nullptr, QStringLiteral("Mixora"), text);
+}
+
+}  // namespace
+
+CMixoraDlg::CMixoraDlg() : CMixoraDlg(Options()) {}
+
+CMixoraDlg::CMixoraDlg(Options options)
+    : layers_(std::move(options.layers)),
+      keys_(std::move(options.keys)),
+      pauseMs_(options.pauseMs >= 0 ? options.pauseMs : PauseFromEnvironment()),
+      onEnd_(std::move(options.onEnd)),
+      showError_(std::move(options.showError)) {
+    if (!layers_)
+        layers_ = MakeSystemPlatformLayers();
+    if (!keys_)
+        keys_ = std::make_unique<StubKeySource>();
+    if (!onEnd_)
+        onEnd_ = [](int code) { QCoreApplication::exit(code); };
+    if (!showError_)
+        showError_ = DefaultShowError;
+    setObjectName(QStringLiteral("CMixoraDlg"));
+    setModal(false);
+    handle_ = RegisterReceiver(this, this);
+    BuildProgressWindow();
+}
+
+CMixoraDlg::~CMixoraDlg() {
+    // A host that never ran its shutdown (start-up failed, tests) still
+    // stops every thread before the windows go.
+    SharedEngineState& e = Engine();
+    e.keyboardThreadRun.store(0);
+    e.tickThreadRun.store(0);
+    e.tickWakeEvent.Set();
+    for (auto& info : infos_) {
+        if (info)
+            info->SetMetersOn(false);
+    }
+    if (mainMixer_) {
+        for (int d = 0; d < 2; ++d) {
+            for (NotifyKind k : {NotifyKind::Forward, NotifyKind::Reverse, NotifyKind::Scratch}) {
+                mainMixer_->Notifications().Stop(k, d);
+            }
+        }
+    }
+    JoinStoppedThreads();
+    StopGraphsThread();
+    for (int d = 0; d < 2; ++d) {
+        infos_[d].reset();
+        equalizers_[d].reset();
+        playLists_[d].reset();
+    }
+    for (auto& deck : decks_)
+        deck.reset();
+    graph3d_.reset();
+    headphones_.reset();
+    mainMixer_.reset();
+    if (layersUp_)
+        layers_->ReleaseSound();
+    UnregisterReceiver(handle_);
+    if (e.mainDialogWindow == handle_)
+        e.mainDialogWindow = 0;
+}
+
+void CMixoraDlg::BuildProgressWindow() {
+    progress_ = new QWidget(this);
+    auto* column = new QVBoxLayout(progress_);
+    column->setContentsMargins(6, 6, 6, 6);
+    auto* row = new QHBoxLayout;
+    for (auto& lamp : lamps_) {
+        lamp = new ProgressLamp(progress_);
+        row->addWidget(lamp);
+    }
+    column->addLayout(row);
+    status_ = new QLabel(progress_);
+    status_->setObjectName(QStringLiteral("status"));
+    QFont small = status_->font();
+    small.setPointSizeF(small.pointSizeF() * 0.8);
+    status_->setFont(small);
+    column->addWidget(status_);
+    auto* outer = new QVBoxLayout(this);
+    outer->setContentsMargins(0, 0, 0, 0);
+    outer->addWidget(progress_);
+    outer->setSizeConstraint(QLayout::SetNoConstraint);
+    progress_->hide();
+}
+
+void CMixoraDlg::Created(CRynWindow* window) {
+    ShellLog(QStringLiteral("create %1 %2")
+                 .arg(QString::fromLatin1(window->ClassName()))
+                 .arg(window->TemplateId()));
+}
+
+bool CMixoraDlg::StartUp() {
+    if (started_)
+        return true;
+    started_ = true;
+    SharedEngineState& e = Engine();
+    ShellLog(QStringLiteral("start-up"));
+
+    // The host itself: title and icon, then out of sight at the far corner
+    // of the screen with no size.
+    setWindowTitle(QStringLiteral("Mixora"));
+    setWindowIcon(AppIcon());
+    QApplication::setWindowIcon(AppIcon());
+    const QRect screen = FullScreenArea();
+    setMinimumSize(0, 0);
+    setGeometry(screen.width(), screen.height(), 0, 0);
+    show();
+    raise();
+    ShellLog(QStringLiteral("host parked off-screen"));
+
+    // The splash screen comes with the help windows.
+
+    // The sound and media layers must work, or there is nothing to do.
+    const QString problem = CheckPlatformLayers(*layers_);
+    if (!problem.isEmpty()) {
+        ShellLog(QStringLiteral("platform check failed: ") + problem);
+        showError_(problem);
+        hide();
+        return false;
+    }
+    layersUp_ = true;
+    ShellLog(QStringLiteral("platform layers ready"));
+
+    // Stop flags cleared; every event unsignalled.
+    for (DeckSharedState& d : e.decks) {
+        d.forwardThreadStop.store(0);
+        d.scratchThreadStop.store(0);
+        d.forwardReaderRun.store(0);
+        d.manualEvent1.Reset();
+        d.manualEvent2.Reset();
+        d.forwardNotifyEvent.Reset();
+        d.reverseNotifyEvent.Reset();
+        d.scratchNotifyEvent.Reset();
+        d.forwardWakeEvent.Reset();
+        d.backwardWakeEvent.Reset();
+        d.playListWakeEvent.Reset();
+    }
+    e.tickWakeEvent.Reset();
+    ShellLog(QStringLiteral("events created"));
+
+    e.mainDialogWindow = handle_;
+    e.allMinimised.store(0);
+    e.pendingTicks.store(0);
+    e.graphsThreadRun.store(0);
+    e.updateGraphsAndMetersEvent.Set();
+    e.helpFilePath = "MixoraHtmlHelp.chm";
+    e.toolTipsOn.store(0);
+    e.graphsThread = nullptr;
+
+    // Keys of every working window come to the host.
+    keyForwarder_.Install();
+    ShellLog(QStringLiteral("keyboard ready"));
+
+    mainMixer_ = std::make_unique<CRynMainMixer>();
+    Created(mainMixer_.get());
+    mainMixer_->hide();
+
+    headphones_ = std::make_unique<CRynHeadphonesMixer>();
+    Created(headphones_.get());
+    headphones_->Initialise(mainMixer_->Handle());
+
+    graph3d_ = std::make_unique<CRyn3DGraph>();
+    Created(graph3d_.get());
+    graph3d_->Initialise(mainMixer_->Handle());
+
+    for (int d = 0; d < 2; ++d) {
+        DeckSharedState& shared = e.decks[d];
+        shared.deckInfoEvent->Set();  // created signalled
+        shared.ResetFields();
+
+        decks_[d] = std::make_unique<CRynDeck>();
+        Created(decks_[d].get());
+        infos_[d] = std::make_unique<CRynDeckInfo>();
+        Created(infos_[d].get());
+        infos_[d]->Initialise(decks_[d]->Handle(), d);
+        equalizers_[d] = std::make_unique<CRynEqualizer>();
+        Created(equalizers_[d].get());
+        equalizers_[d]->Initialise(d, decks_[d]->Handle());
+        playLists_[d] = std::make_unique<CRynPlayList>();
+        Created(playLists_[d].get());
+        playLists_[d]->Initialise(decks_[d]->Handle(), d);
+        decks_[d]->Initialise(infos_[d].get(), equalizers_[d].get(), playLists_[d].get(),
+                              mainMixer_->Handle(), d);
+    }
+
+    mainMixer_->Initialise(handle_, decks_[0].get(), decks_[1].get(), headphones_.get(),
+                           graph3d_.get());
+    ShellLog(QStringLiteral("initialise CRynMainMixer"));
+
+    const bool low = ChooseLowResolution(screen.width(), screen.height());
+    mainMixer_->SetLowResolution(low);
+    ShellLog(low ? QStringLiteral("layout low resolution")
+                 : QStringLiteral("layout high resolution"));
+
+    for (int d = 0; d < 2; ++d) {
+        headphones_->SetDeckColours(d, decks_[d]->Colour(0), decks_[d]->Colour(1));
+    }
+
+    StartServiceThreads();
+    ShellLog(QStringLiteral("tick and keyboard threads started"));
+
+    PlaceAndShowWindows(low);
+    mainMixer_->activateWindow();
+    mainMixer_->setFocus();
+    ShellLog(QStringLiteral("windows shown"));
+
+    // The tip of the day comes with the help windows.
+
+    const QStringList& files = CMixoraApp::CommandLineFiles();
+    for (int d = 0; d < 2 && d < files.size(); ++d) {
+        ShellLog(QStringLiteral("deck %1 file %2").arg(QChar('A' + d)).arg(files[d]));
+    }
+
+    e.appInitialised.store(1);
+    ShellLog(QStringLiteral("running"));
+    return true;
+}
+
+void CMixoraDlg::StartServiceThreads() {
+    SharedEngineState& e = Engine();
+    e.tickThreadRun.store(1);
+    tickThread_.Start("tick", ThreadPriority::TimeCritical,
+                      [&e](const std::atomic<bool>& cancelled) { RunTickThread(e, cancelled); });
+    e.keyboardThreadRun.store(1);
+    KeySource* keys = keys_.get();
+    keyboardThread_.Start("keyboard", ThreadPriority::TimeCritical,
+                          [&e, keys](const std::atomic<bool>& cancelled) {
+                              RunKeyboardPollThread(e, *keys, cancelled);
+                          });
+}
+
+void CMixoraDlg::PlaceAndShowWindows(bool low) {
+    // A plain tiling until the layout comes: decks left and right of the main
+    // mixer, the mixers' and decks' helpers below them.
+    const QRect s = FullScreenArea();
+    const int w = s.width(), h = s.height();
+    auto place = [&](QWidget* window, double x, double y, double cw, double ch, bool show) {
+        window->setGeometry(s.x() + int(x * w), s.y() + int(y * h), int(cw * w), int(ch * h));
+        if (show)
+            window->show();
+    };
+    place(decks_[0].get(), 0.0, 0.0, 0.36, 0.5, true);
+    place(mainMixer_.get(), 0.36, 0.0, 0.28, 0.4, true);
+    place(decks_[1].get(), 0.64, 0.0, 0.36, 0.5, true);
+    place(headphones_.get(), 0.36, 0.4, 0.28, 0.3, true);
+    place(graph3d_.get(), 0.36, 0.7, 0.28, 0.3, !low);
+    for (int d = 0; d < 2; ++d) {
+        const double x = d == 0 ? 0.0 : 0.64;
+        place(equalizers_[d].get(), x, 0.5, 0.36, 0.18, !low);
+        place(playLists_[d].get(), x, 0.68, 0.36, 0.32, !low);
+        place(infos_[d].get(), x, 0.5, 0.36, 0.0, false);
+    }
+}
+
+bool CMixoraDlg::GraphsThreadRunning() const {
+    return graphsThread_ && !graphsThread_->Finished();
+}
+
+void CMixoraDlg::StartGraphsThread() {
+    SharedEngineState& e = Engine();
+    if (GraphsThreadRunning() && e.graphsThreadRun.load() != 0)
+        return;
+    if (graphsThread_) {
+        graphsThread_->Cancel();
+        retiredGraphsThreads_.push_back(std::move(graphsThread_));
+    }
+    e.graphsThreadRun.store(1);
+    graphsThread_ = std::make_unique<WorkerThread>();
+    graphsThread_->Start(
+        "graphs", ThreadPriority::Normal,
+        [&e](const std::atomic<bool>& cancelled) { RunGraphsThread(e, cancelled); });
+    e.graphsThread = graphsThread_.get();
+}
+
+void CMixoraDlg::StopGraphsThreadIfMetersOff() {
+    SharedEngineState& e = Engine();
+    if (e.decks[0].metersOff.load() == 0 || e.decks[1].metersOff.load() == 0)
+        return;
+    e.graphsThreadRun.store(0);
+    e.updateGraphsAndMetersEvent.Set();
+    // Forgotten: it ends by itself and is joined at shutdown.
+    if (graphsThread_)
+        retiredGraphsThreads_.push_back(std::move(graphsThread_));
+    e.graphsThread = nullptr;
+}
+
+void CMixoraDlg::StopGraphsThread() {
+    SharedEngineState& e = Engine();
+    e.graphsThreadRun.store(0);
+    e.graphsThread = nullptr;
+    if (graphsThread_)
+        retiredGraphsThreads_.push_back(std::move(graphsThread_));
+    for (auto& t : retiredGraphsThreads_) {
+        t->Cancel();
+        t->Join([&e] { e.updateGraphsAndMetersEvent.Set(); });
+    }
+    retiredGraphsThreads_.clear();
+}
+
+void CMixoraDlg::JoinStoppedThreads() {
+    SharedEngineState& e = Engine();
+    keyboardThread_.Join();
+    tickThread_.Join([&e] { e.tickWakeEvent.Set(); });
+    if (mainMixer_)
+        mainMixer_->Notifications().JoinAll();
+    for (auto& info : infos_) {
+        if (info)
+            info->JoinThread();
+    }
+}
+
+std::vector<QWidget*> CMixoraDlg::WorkingWindows() const {
+    std::vector<QWidget*> windows;
+    for (QWidget* w :
+         std::initializer_list<QWidget*>{mainMixer_.get(), headphones_.get(), graph3d_.get()}) {
+        if (w)
+            windows.push_back(w);
+    }
+    for (int d = 0; d < 2; ++d) {
+        for (QWidget* w : std::initializer_list<QWidget*>{
+                 decks_[d].get(), infos_[d].get(), equalizers_[d].get(), playLists_[d].get()}) {
+            if (w)
+                windows.push_back(w);
+        }
+    }
+    return windows;
+}
+
+void CMixoraDlg::MinimiseAll(bool minimise) {
+    // On X11 and Wayland the windows do not follow the host: each goes itself.
+    for (QWidget* w : WorkingWindows()) {
+        if (!w->isVisible())
+            continue;
+        if (minimise) {
+            w->showMinimized();
+        } else if (w->isMinimized()) {
+            w->showNormal();
+        }
+    }
+}
+
+LResult CMixoraDlg::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
+    SharedEngineState& e = Engine();
+    switch (msg) {
+        case UWM_SHUTDOWN:
+            // Run from the event loop, not inside the sender's handler: the
+            // shutdown destroys the window that sent it.
+            QTimer::singleShot(0, this, [this] { Shutdown(); });
+            return 0;
+        case UWM_KEY_POLLED:
+        case UWM_KEY_DOWN:
+        case UWM_KEY_UP:
+            if (keyHandler_)
+                keyHandler_(msg, wParam, lParam);
+            return 0;
+        case UWM_DECK_VALUE:
+            if (wParam < 2)
+                deckValues_[wParam] = lParam;
+            return 0;
+        case UWM_DIAGNOSTICS:
+            // The diagnostic texts show only while the host is on screen.
+            return 0;
+        case UWM_MINIMISE_ALL:
+            e.allMinimised.store(1);
+            for (int d = 0; d < 2; ++d) {
+                storedMetersOff_[d] = e.decks[d].metersOff.load();
+                e.decks[d].metersOff.store(1);
+            }
+            MinimiseAll(true);
+            return 0;
+        case UWM_RESTORE_ALL:
+            e.allMinimised.store(0);
+            MinimiseAll(false);
+            for (int d = 0; d < 2; ++d)
+                e.decks[d].metersOff.store(storedMetersOff_[d]);
+            return 0;
+        case UWM_METERS_THREAD:
+            if (wParam != 0) {
+                StartGraphsThread();
+            } else {
+                StopGraphsThreadIfMetersOff();
+            }
+            return 0;
+        default:
+            qDebug().noquote() << "CMixoraDlg ignores" << UwmName(msg) << wParam << lParam;
+            return 0;
+    }
+}
+
+void CMixoraDlg::reject() {
+    Shutdown();
+}
+
+void CMixoraDlg::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    Shutdown();
+}
+
+void CMixoraDlg::ShutdownStep(int lamp, const QString& text) {
+    if (lamp >= 1 && lamp <= 5)
+        lamps_[lamp - 1]->SetLit(true);
+    status_->setText(text);
+    status_->repaint();
+    if (lamp >= 1) {
+        ShellLog(QStringLiteral("shutdown lamp %1: %2").arg(lamp).arg(text));
+    } else {
+        ShellLog(QStringLiteral("shutdown status: %1").arg(text));
+    }
+}
+
+void CMixoraDlg::Pause() {
+    if (pauseMs_ > 0)
+        std::this_thread::sleep_for(std::chrono::milliseconds(pauseMs_));
+}
+
+void CMixoraDlg::PumpAndPause() {
+    // Lets threads blocked in a send to a window finish it.
+    for (int i = 0; i < 1000; ++i) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+    }
+    Pause();
+}
+
+void CMixoraDlg::Shutdown() {
+    if (shuttingDown_)
+        return;
+    shuttingDown_ = true;
+    SharedEngineState& e = Engine();
+    ShellLog(QStringLiteral("shutdown"));
+
+    // On screen as the progress window.
+    progress_->show();
+    showNormal();
+    setGeometry(100, 100, 150, 100);
+    show();
+    raise();
+
+    ShutdownStep(1, QStringLiteral("Stopping Threads."));
+    e.keyboardThreadRun.store(0);
+    for (NotifyKind kind : {NotifyKind::Forward, NotifyKind::Reverse, NotifyKind::Scratch}) {
+        for (int d = 0; d < 2; ++d) {
+            if (mainMixer_) {
+                mainMixer_->Notifications().Stop(kind, d);
+            } else {
+                NotifyStopFlag(e.decks[d], kind).store(1);
+                NotifyEvent(e.decks[d], kind).Set();
+            }
+        }
+    }
+    e.tickThreadRun.store(0);
+    e.tickWakeEvent.Set();
+    StopGraphsThreadIfMetersOff();
+
+    ShutdownStep(2, QStringLiteral("Destroying Decks"));
+    for (int d = 0; d < 2; ++d) {
+        DeckSharedState& shared = e.decks[d];
+        if (playLists_[d])
+            playLists_[d]->StopPlayList();
+        shared.deckInfoThreadRun.store(0);
+        shared.deckInfoEvent->Set();
+        shared.playListThreadRun.store(0);
+        shared.playListWakeEvent.Set();
+        if (decks_[d]) {
+            decks_[d]->Shutdown();
+            decks_[d]->CloseDecoder();
+        }
+    }
+    PumpAndPause();
+    // Beyond the pause: every stopped thread has ended before anything it
+    // might touch goes away.
+    JoinStoppedThreads();
+
+    ShutdownStep(3, QStringLiteral("Stopping Timers"));
+    if (mainMixer_)
+        mainMixer_->KillTimers();
+    PumpAndPause();
+
+    ShutdownStep(4, QStringLiteral("Killing COM."));
+    if (layersUp_) {
+        layers_->ReleaseSound();
+        layersUp_ = false;
+    }
+    PumpAndPause();
+
+    ShutdownStep(5, QStringLiteral("Destroying Deck Components."));
+    for (int d = 0; d < 2; ++d) {
+        infos_[d].reset();
+        equalizers_[d].reset();
+        playLists_[d].reset();
+    }
+    PumpAndPause();
+    for (auto& deck : decks_)
+        deck.reset();
+    PumpAndPause();
+
+    ShutdownStep(0, QStringLiteral("Destroying Mixer"));
+    graph3d_.reset();
+    headphones_.reset();
+    mainMixer_.reset();
+    Pause();
+
+    // The graphs thread may still run (a deck's meters were on): it ends now.
+    StopGraphsThread();
+    keyForwarder_.Uninstall();
+    ShellLog(QStringLiteral("events closed"));
+    PumpMessages();
+    Pause();
+    ShellLog(QStringLiteral("exit 0"));
+    onEnd_(0);
+}

@@ -1,0 +1,49 @@
+#include "app/CommandLine.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFileInfo>
+
+CommandLine ParseCommandLine(const QStringList& arguments) {
+    QCoreApplication::setApplicationName(QStringLiteral("mixora"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(MIXORA_VERSION));
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Mixora: a two-deck DJ mixing program. Audio files named here are "
+                       "loaded on deck A, then deck B."));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    parser.addPositionalArgument(QStringLiteral("files"),
+                                 QStringLiteral("Audio files (WAV, MP3, WMA, OGG): the first "
+                                                "for deck A, the second for deck B."),
+                                 QStringLiteral("[file ...]"));
+
+    // Without an application object Qt cannot name the program itself.
+    const QString program =
+        arguments.isEmpty() ? QStringLiteral("mixora") : QFileInfo(arguments.first()).fileName();
+    auto helpText = [&] {
+        return parser.helpText().replace(QStringLiteral("<executable_name>"), program);
+    };
+
+    CommandLine cl;
+    if (!parser.parse(arguments)) {
+        cl.action = CommandLine::Action::Error;
+        cl.text = parser.errorText() + QStringLiteral("\n\n") + helpText();
+        return cl;
+    }
+    if (parser.isSet(help)) {
+        cl.action = CommandLine::Action::Help;
+        cl.text = helpText();
+        return cl;
+    }
+    if (parser.isSet(version)) {
+        cl.action = CommandLine::Action::Version;
+        cl.text = QStringLiteral("mixora %1\n").arg(QStringLiteral(MIXORA_VERSION));
+        return cl;
+    }
+    for (const QString& f : parser.positionalArguments()) {
+        cl.files << QFileInfo(f).absoluteFilePath();
+    }
+    return cl;
+}

@@ -1,0 +1,18 @@
+// The command line, read before any window system is touched, so --help and
+// --version work without a display.
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+struct CommandLine {
+    enum class Action { Run, Help, Version, Error };
+    Action action = Action::Run;
+    // Audio files as absolute paths: the first for deck A, the second for deck B
+    // (further ones are ignored with a note).
+    QStringList files;
+    // What to print for Help, Version and Error.
+    QString text;
+};
+
+CommandLine ParseCommandLine(const QStringList& arguments);

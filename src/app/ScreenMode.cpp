@@ -1,0 +1,5 @@
+#include "app/ScreenMode.h"
+
+bool ChooseLowResolution(int width, int height) {
+    return !(width > 800 && height > 600);
+}

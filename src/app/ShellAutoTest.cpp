@@ -1,0 +1,81 @@
+#include "app/ShellAutoTest.h"
+
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QTimer>
+
+#include "app/CMixoraDlg.h"
+#include "app/EngineState.h"
+#include "app/PlatformLayers.h"
+#include "output/mixer/CRynMainMixer.h"
+
+namespace {
+
+class FailingLayers : public PlatformLayers {
+  public:
+    explicit FailingLayers(bool sound) : sound_(sound), real_(MakeSystemPlatformLayers()) {}
+    bool InitialiseSound(QString* problem) override {
+        if (!sound_)
+            return real_->InitialiseSound(problem);
+        *problem = QStringLiteral(
+            "the PortAudio sound library (libportaudio2) could not start: "
+            "simulated failure");
+        return false;
+    }
+    void ReleaseSound() override { real_->ReleaseSound(); }
+    bool CheckMedia(QString* problem) override {
+        if (sound_)
+            return real_->CheckMedia(problem);
+        *problem = QStringLiteral(
+            "the FFmpeg media library libavformat is missing "
+            "(simulated failure)");
+        return false;
+    }
+
+  private:
+    bool sound_;
+    std::unique_ptr<PlatformLayers> real_;
+};
+
+}  // namespace
+
+std::unique_ptr<PlatformLayers> AutoTestPlatformLayers() {
+    const QString fail = qEnvironmentVariable("MIXORA_AUTOTEST_FAIL");
+    if (fail == QLatin1String("sound"))
+        return std::make_unique<FailingLayers>(true);
+    if (fail == QLatin1String("media"))
+        return std::make_unique<FailingLayers>(false);
+    return MakeSystemPlatformLayers();
+}
+
+bool AutoTestActive() {
+    return !qEnvironmentVariableIsEmpty("MIXORA_AUTOTEST") ||
+           !qEnvironmentVariableIsEmpty("MIXORA_AUTOTEST_FAIL");
+}
+
+void ArmAutoTest(CMixoraDlg& host) {
+    const QString script = qEnvironmentVariable("MIXORA_AUTOTEST");
+    CMixoraDlg* h = &host;
+    if (script == QLatin1String("close-mixer")) {
+        QTimer::singleShot(50, h, [h] { h->MainMixer()->close(); });
+    } else if (script == QLatin1String("escape")) {
+        QTimer::singleShot(50, h, [h] {
+            QCoreApplication::postEvent(
+                h, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+        });
+    } else if (script == QLatin1String("play-close")) {
+        for (int d = 0; d < 2; ++d) {
+            PostAppMessageRetry(h->MainMixer()->Handle(), UWM_START_FORWARD_THREAD,
+                                static_cast<WParam>(d), 0);
+        }
+        PostAppMessageRetry(h->Handle(), UWM_METERS_THREAD, 1, 0);
+        // A device's block boundaries, every 27 ms on both decks.
+        auto* device = new QTimer(h);
+        QObject::connect(device, &QTimer::timeout, h, [] {
+            for (DeckSharedState& d : Engine().decks)
+                d.forwardNotifyEvent.Set();
+        });
+        device->start(27);
+        QTimer::singleShot(400, h, [h] { h->MainMixer()->close(); });
+    }
+}

@@ -1,0 +1,25 @@
+// Scripted runs of the real program for the tests, chosen by
+// $MIXORA_AUTOTEST once start-up has finished:
+//   "close-mixer": closes the main mixer (the user's way to quit);
+//   "escape":      presses Esc on the host;
+//   "play-close":  starts both decks' notification threads, lets a simulated
+//                  device signal block boundaries for a while, then closes
+//                  the main mixer while both decks play.
+// $MIXORA_AUTOTEST_FAIL=sound or media makes that platform layer fail at
+// start-up (the message then goes to stderr only).
+// Unset, nothing happens.
+#pragma once
+
+#include <memory>
+
+class CMixoraDlg;
+class PlatformLayers;
+
+// The layers to use: the system's, or a failing one for MIXORA_AUTOTEST_FAIL.
+std::unique_ptr<PlatformLayers> AutoTestPlatformLayers();
+
+// True when a scripted run is asked for (message boxes are then not shown).
+bool AutoTestActive();
+
+// Arms the script on a host whose start-up has finished.
+void ArmAutoTest(CMixoraDlg& host);

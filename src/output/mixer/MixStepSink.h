@@ -1,0 +1,34 @@
+// The block work the main mixer hands on at each step of the mix cycle: the
+// deck's next block to both output devices, and the transport of the deck
+// buffers. The sound engine binds this to the real devices; until then, and in
+// tests, the main mixer uses a sink that does nothing (or counts).
+// All calls come on the user-interface thread.
+#pragma once
+
+class MixStepSink {
+  public:
+    virtual ~MixStepSink() = default;
+
+    // One block of deck `deck` (0 = A, 1 = B): FillBlock from the deck, then
+    // the block to the forward buffers and its frame-reversed copy to the
+    // reverse buffers of both devices.
+    virtual void WriteDeckBlock(int deck) = 0;
+
+    // The reverse step on UWM_REVERSE_NOTIFY.
+    virtual void ReverseStep(int /*deck*/) {}
+
+    // Forward and reverse buffers of the deck start (true) or stop (false) on
+    // both devices.
+    virtual void PlayForward(int /*deck*/, bool /*play*/) {}
+    virtual void PlayReverse(int /*deck*/, bool /*play*/) {}
+
+    // Scratch buffer of `bytes` bytes created on both devices; ended again.
+    virtual void CreateScratch(int /*deck*/, int /*bytes*/) {}
+    virtual void EndScratch(int /*deck*/) {}
+};
+
+// Does nothing: the mixer's sink until the sound engine is bound.
+class NullMixStepSink : public MixStepSink {
+  public:
+    void WriteDeckBlock(int) override {}
+};
