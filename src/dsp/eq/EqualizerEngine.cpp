@@ -7,7 +7,6 @@
 #include <cstring>
 #include <vector>
 
-#include "dsp/FixedPoint.h"
 #include "dsp/VectorOps.h"
 #include "dsp/eq/FftBlockFilter.h"
 #include "dsp/eq/FirKernels.h"
@@ -23,7 +22,7 @@ constexpr int kPairStride = 256;  // packed 16-bit tap pairs per band
 constexpr int kKeptPadding = 32;  // zero samples behind the kept input
 // Filters of at least this many taps run by FFT under EqFloatStrategy::Auto
 // (where the FFT's fixed cost drops below the direct product; see bench/eq_engine).
-constexpr int kFftMinTaps = 96;
+constexpr int kFftMinTaps = 80;
 
 // trunc(scale · level), the level limited to ±1 so the factor fits 16 bits.
 int32_t FixedFactor(float level, int32_t scale) {
@@ -257,28 +256,15 @@ void EqualizerEngine<Sample>::ProcessBands16(bool antiClip, bool& clipped) {
             Band& band = bands_[b];
             CorrelateInt16(pairs, &a.tapPairs[b * kPairStride], (band.tapCount + 1) / 2, acc,
                            kBlockLength);
-            for (int m = 0; m < kBlockLength; ++m)
-                y[m] = ScaleDown16(acc[m], 16);
+            NarrowAccumulators(acc, y, kBlockLength);
             int16_t* out = band.output.data();
             if (!antiClip) {
-                const int32_t f = FixedFactor(band.level, 32767);
-                for (int m = 0; m < kBlockLength; ++m) {
-                    out[m] = ScaleDown16(y[m] * f, 14);
-                    sum[m] = AddWrap16(sum[m], out[m]);
-                }
+                ScaleAdd16(y, FixedFactor(band.level, 32767), 14, sum, out, sum, kBlockLength,
+                           32767);
                 continue;
             }
             float g = band.gain;
-            for (;;) {
-                const int32_t f = FixedFactor(g, 8191);
-                bool over = false;
-                for (int m = 0; m < kBlockLength; ++m) {
-                    out[m] = ScaleDown16(y[m] * f, 13);
-                    trial[m] = AddWrap16(sum[m], out[m]);
-                    over |= trial[m] < -32000 || trial[m] > 32000;
-                }
-                if (!over)
-                    break;
+            while (ScaleAdd16(y, FixedFactor(g, 8191), 13, sum, out, trial, kBlockLength, 32000)) {
                 clipped = true;
                 g = std::max(g - 0.1f, 0.0f);
             }
@@ -355,21 +341,13 @@ void EqualizerEngine<Sample>::ProcessBandsFloat(bool antiClip, bool& clipped) {
             float g = band.gain;
             for (;;) {
                 float lo = 0.0f, hi = 0.0f;
-                for (int m = 0; m < kBlockLength; ++m) {
-                    const float s = sum[m] + filtered[m] * g;
-                    lo = std::min(lo, s);
-                    hi = std::max(hi, s);
-                }
+                ScaledSumRange(sum, filtered, g, kBlockLength, lo, hi);
                 if (!((lo <= -32768.0f || hi >= 32767.0f) && g > 0.0f))
                     break;
                 clipped = true;
                 g = std::max(g - 0.1f, 0.0f);
             }
-            float* out = band.output.data();
-            for (int m = 0; m < kBlockLength; ++m) {
-                out[m] = filtered[m] * g;
-                sum[m] += out[m];
-            }
+            ScaleAccumulate(sum, band.output.data(), filtered, g, kBlockLength);
             if (g < band.level)
                 g += 0.02f;
             if (g > band.level)

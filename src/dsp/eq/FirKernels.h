@@ -23,6 +23,21 @@ void CorrelateFloat(const float* x, const float* rtaps, int taps, float* out, in
 void CorrelateInt16(const uint32_t* pairs, const uint32_t* tapPairs, int pairCount, int32_t* out,
                     int count);
 
+// Per-band finishing steps (same dispatch, same results as the plain loops).
+
+// Float: the range of sum[m] + g·x[m] (product rounded before the sum), m < n;
+// lo and hi start from 0.
+void ScaledSumRange(const float* sum, const float* x, float g, int n, float& lo, float& hi);
+// Float: out[m] = g·x[m]; sum[m] += out[m].
+void ScaleAccumulate(float* sum, float* out, const float* x, float g, int n);
+// 16-bit: y[m] = round(acc[m] · 2^−16), wrapped to 16 bits.
+void NarrowAccumulators(const int32_t* acc, int16_t* y, int n);
+// 16-bit: out[m] = round(y[m]·factor · 2^−shift) wrapped, dst[m] = sum[m] + out[m]
+// wrapped; factor 0 … 32767, shift 1 … 15. Returns true when some dst[m] is
+// below −limit or above limit. dst may be sum.
+bool ScaleAdd16(const int16_t* y, int factor, int shift, const int16_t* sum, int16_t* out,
+                int16_t* dst, int n, int limit);
+
 enum class KernelIsa { Portable, Avx2 };
 
 // The kernels in use: AVX2 when the processor supports AVX2 and FMA.
