@@ -60,28 +60,31 @@ void RunNotifyThread(SharedEngineState& engine, NotifyKind kind, int deck, Windo
 }
 
 NotifyThreads::~NotifyThreads() {
-    for (int k = 0; k < 3; ++k) {
-        for (int d = 0; d < kDeckCount; ++d) {
-            if (current_[k][d] && !current_[k][d]->Finished()) {
-                Stop(static_cast<NotifyKind>(k), d);
-            }
-        }
-    }
     JoinAll();
+}
+
+void NotifyThreads::Finish(NotifyKind kind, int deck) {
+    auto& slot = current_[static_cast<int>(kind)][deck];
+    if (!slot)
+        return;
+    if (!slot->Finished() && NotifyStopFlag(engine_.decks[deck], kind).load() == 0) {
+        slot->Cancel();
+    }
+    SyncEvent& event = NotifyEvent(engine_.decks[deck], kind);
+    slot->Join([&event] { event.Set(); });
+    slot.reset();
 }
 
 void NotifyThreads::Start(NotifyKind kind, int deck, WindowHandle target) {
     if (deck < 0 || deck >= kDeckCount)
         return;
-    ReapRetired();
     auto& slot = current_[static_cast<int>(kind)][deck];
     if (slot) {
-        if (!slot->Finished()) {
-            slot->Cancel();
-            retired_.push_back({std::move(slot), kind, deck});
-        } else {
-            slot->Join();
-        }
+        const bool wasRunning = !slot->Finished();
+        Finish(kind, deck);
+        // The wake-ups that ended the predecessor are not block boundaries.
+        if (wasRunning)
+            NotifyEvent(engine_.decks[deck], kind).Reset();
     }
     NotifyStopFlag(engine_.decks[deck], kind).store(0);
     slot = std::make_unique<WorkerThread>();
@@ -108,35 +111,9 @@ bool NotifyThreads::Running(NotifyKind kind, int deck) const {
     return slot && !slot->Finished();
 }
 
-void NotifyThreads::ReapRetired() {
-    for (auto it = retired_.begin(); it != retired_.end();) {
-        if (it->thread->Finished()) {
-            it->thread->Join();
-            it = retired_.erase(it);
-        } else {
-            ++it;
-        }
-    }
-}
-
 void NotifyThreads::JoinAll() {
-    for (auto& r : retired_) {
-        SyncEvent& event = NotifyEvent(engine_.decks[r.deck], r.kind);
-        r.thread->Join([&event] { event.Set(); });
-    }
-    retired_.clear();
     for (int k = 0; k < 3; ++k) {
-        for (int d = 0; d < kDeckCount; ++d) {
-            auto& slot = current_[k][d];
-            if (!slot)
-                continue;
-            const auto kind = static_cast<NotifyKind>(k);
-            if (!slot->Finished() && NotifyStopFlag(engine_.decks[d], kind).load() == 0) {
-                slot->Cancel();
-            }
-            SyncEvent& event = NotifyEvent(engine_.decks[d], kind);
-            slot->Join([&event] { event.Set(); });
-            slot.reset();
-        }
+        for (int d = 0; d < kDeckCount; ++d)
+            Finish(static_cast<NotifyKind>(k), d);
     }
 }

@@ -16,7 +16,6 @@
 #include <array>
 #include <atomic>
 #include <memory>
-#include <vector>
 
 #include "app/EngineState.h"
 #include "app/WorkerThread.h"
@@ -38,8 +37,9 @@ class NotifyThreads {
     ~NotifyThreads();
 
     // Clears the stop flag and starts the thread sending to `target`. A thread
-    // of the same kind and deck still waiting is retired first (cancelled), so
-    // two threads never both answer one event.
+    // of the same kind and deck still running is cancelled and joined first
+    // (its event set, this thread's messages pumped meanwhile) and the event
+    // cleared of those wake-ups, so two threads never share one event.
     void Start(NotifyKind kind, int deck, WindowHandle target);
 
     // Sets the stop flag, then the event, so a waiting thread wakes and ends.
@@ -48,20 +48,14 @@ class NotifyThreads {
     // True while a started thread of this kind and deck has not ended.
     bool Running(NotifyKind kind, int deck) const;
 
-    // Waits for every thread (current and retired) to end, setting its event
-    // again and pumping the user-interface thread's messages meanwhile. The
-    // threads must have been stopped (or will be cancelled here).
+    // Waits for every thread to end, setting its event again and pumping the
+    // user-interface thread's messages meanwhile. Threads not stopped are
+    // cancelled here.
     void JoinAll();
 
   private:
     SharedEngineState& engine_;
     std::array<std::array<std::unique_ptr<WorkerThread>, kDeckCount>, 3> current_{};
-    struct Retired {
-        std::unique_ptr<WorkerThread> thread;
-        NotifyKind kind;
-        int deck;
-    };
-    std::vector<Retired> retired_;
 
-    void ReapRetired();
+    void Finish(NotifyKind kind, int deck);
 };

@@ -12,7 +12,7 @@
 namespace {
 
 class Recorder : public MessageSink {
-public:
+  public:
     LResult OnAppMessage(Uwm msg, WParam w, LParam l) override {
         last = msg;
         ++count;
