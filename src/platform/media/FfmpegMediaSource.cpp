@@ -446,7 +446,9 @@ bool FfmpegMediaSource::SeekByTimeStamp(std::int64_t frame) {
         // (some containers begin with priming packets a seek would skip).
         if (from == 0)
             return false;
-        const std::int64_t ts = firstPts_ + av_rescale_q(from, AVRational{1, rate}, tb);
+        std::int64_t ts;
+        if (__builtin_add_overflow(firstPts_, av_rescale_q(from, AVRational{1, rate}, tb), &ts))
+            return false;
         // The Ogg demuxer mislabels packets when it seeks back into a page it
         // has read before (its index holds page positions): seek from a fresh one.
         if (freshDemuxerForSeek_) {
