@@ -22,10 +22,10 @@ const FftBlockFilter::Plans& FftBlockFilter::SharedPlans() {
         // Planned on scratch arrays of the same (FFTW) alignment as every array
         // later passed to the new-array execute functions.
         float* in = AllocateFftw<float>(kSize);
-        fftwf_complex* spec = AllocateFftw<fftwf_complex>(kSpectrumStride);
-        p.forward = fftwf_plan_dft_r2c_1d(kSize, in, spec, FFTW_ESTIMATE);
-        p.inverse = fftwf_plan_dft_c2r_1d(kSize, spec, in, FFTW_ESTIMATE);
-        fftwf_free(spec);
+        fftwf_complex* bins = AllocateFftw<fftwf_complex>(kSpectrumStride);
+        p.forward = fftwf_plan_dft_r2c_1d(kSize, in, bins, FFTW_ESTIMATE);
+        p.inverse = fftwf_plan_dft_c2r_1d(kSize, bins, in, FFTW_ESTIMATE);
+        fftwf_free(bins);
         fftwf_free(in);
         return p;
     }();
