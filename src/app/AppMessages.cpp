@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "app/ThreadRole.h"
+#include "app/TsanAnnotations.h"
 
 namespace {
 
@@ -93,6 +94,7 @@ class AppMessageEvent : public QEvent {
 class Deliverer : public QObject {
   public:
     bool eventFilter(QObject*, QEvent* e) override {
+        MIXORA_HANDOVER_ACQUIRE(e);
         if (e->type() == kAppMessageEventType) {
             static_cast<AppMessageEvent*>(e)->Deliver();
             return true;
@@ -121,9 +123,10 @@ const char* UwmName(std::uint32_t msg) {
     case x:  \
         return #x;
         N(UWM_CONFIG_REFRESH)
-        N(UWM_RESERVED_8002) N(UWM_EQ_NUMBER_TYPE) N(UWM_EQ_TYPE) N(UWM_GRAPH_NUMBER_TYPE) N(
-            UWM_SET_DIRECTION) N(UWM_WINDOW_CLOSED) N(UWM_START_SCRATCH) N(UWM_CREATE_DECK_BUFFERS)
-            N(UWM_DIAGNOSTICS) N(UWM_APPLY_PAN) N(UWM_ASSIGN_CD_DRIVE) N(UWM_APPLY_EFFECT) N(
+        N(UWM_RESERVED_8002)
+        N(UWM_EQ_NUMBER_TYPE) N(UWM_EQ_TYPE) N(UWM_GRAPH_NUMBER_TYPE) N(UWM_SET_DIRECTION) N(
+            UWM_WINDOW_CLOSED) N(UWM_START_SCRATCH) N(UWM_CREATE_DECK_BUFFERS) N(UWM_DIAGNOSTICS)
+            N(UWM_APPLY_PAN) N(UWM_ASSIGN_CD_DRIVE) N(UWM_APPLY_EFFECT) N(
                 UWM_APPLY_EFFECT_PARAMETER) N(UWM_3D_GRAPH_VALUE) N(UWM_FIRST_FILL)
                 N(UWM_RELEASE_DECK) N(UWM_BACKWARD_FLAGS) N(UWM_FORWARD_FLAGS) N(
                     UWM_GRAPHS_PRIORITY) N(UWM_DECK_VALUE) N(UWM_READER_ENDED) N(UWM_RESERVED_8017)
@@ -198,9 +201,9 @@ LResult SendAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lPara
             auto& waiting = it->second.waiting;
             std::erase_if(waiting, [](const std::weak_ptr<SendWait>& w) { return w.expired(); });
             waiting.push_back(wait);
-            QCoreApplication::postEvent(it->second.object,
-                                        new AppMessageEvent(target, msg, wParam, lParam, wait),
-                                        Qt::HighEventPriority);
+            auto* event = new AppMessageEvent(target, msg, wParam, lParam, wait);
+            MIXORA_HANDOVER_RELEASE(event);
+            QCoreApplication::postEvent(it->second.object, event, Qt::HighEventPriority);
         }
     }
     // On the receiver's own thread the send is a direct call, made outside
@@ -233,8 +236,9 @@ bool PostAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) 
     auto it = g_registry.find(target);
     if (it == g_registry.end() || !QCoreApplication::instance())
         return false;
-    QCoreApplication::postEvent(it->second.object,
-                                new AppMessageEvent(target, msg, wParam, lParam, nullptr));
+    auto* event = new AppMessageEvent(target, msg, wParam, lParam, nullptr);
+    MIXORA_HANDOVER_RELEASE(event);
+    QCoreApplication::postEvent(it->second.object, event);
     return true;
 }
 

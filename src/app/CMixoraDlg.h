@@ -31,8 +31,9 @@ class CRynPlayList;
 class CRynWindow;
 class ProgressLamp;
 
+// No Q_OBJECT: the host has no signals or slots, and staying out of the
+// meta-object code keeps builds of the app folder alone free of the windows.
 class CMixoraDlg : public QDialog, public MessageReceiver {
-    Q_OBJECT
   public:
     static constexpr int kTemplateId = 102;
     static constexpr int kDefaultPauseMs = 200;

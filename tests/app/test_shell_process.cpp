@@ -6,8 +6,14 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QProcess>
+#include <QProcessEnvironment>
 #include <QTemporaryDir>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <vector>
 
 namespace {
 
@@ -20,10 +26,12 @@ struct Outcome {
     QString output;
 };
 
+// Runs the program with fork and exec (not QProcess: Qt starts children with
+// a raw clone that ThreadSanitizer cannot follow, which scrambles its records
+// of this process in sanitizer builds). Output and errors are collected.
 Outcome RunMixora(const QStringList& args, const QStringList& env) {
     QTemporaryDir dir;
     const QString logPath = dir.path() + "/shell.log";
-    QProcess p;
     QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
     e.insert("QT_QPA_PLATFORM", "offscreen");
     e.insert("MIXORA_SHELL_LOG", logPath);
@@ -32,18 +40,52 @@ Outcome RunMixora(const QStringList& args, const QStringList& env) {
     e.insert("MIXORA_DATA_DIR", dir.path() + "/data");
     for (const QString& kv : env)
         e.insert(kv.section('=', 0, 0), kv.section('=', 1));
-    p.setProcessEnvironment(e);
-    p.setProcessChannelMode(QProcess::MergedChannels);
-    p.start(kProgram, args);
+
+    std::vector<QByteArray> argStore{kProgram.toLocal8Bit()};
+    for (const QString& a : args)
+        argStore.push_back(a.toLocal8Bit());
+    std::vector<QByteArray> envStore;
+    for (const QString& kv : e.toStringList())
+        envStore.push_back(kv.toLocal8Bit());
+    std::vector<char*> argv, envp;
+    for (auto& a : argStore)
+        argv.push_back(a.data());
+    for (auto& v : envStore)
+        envp.push_back(v.data());
+    argv.push_back(nullptr);
+    envp.push_back(nullptr);
+
     Outcome o;
-    if (!p.waitForStarted(10000) || !p.waitForFinished(60000)) {
-        p.kill();
-        p.waitForFinished();
+    int out[2];
+    if (pipe(out) != 0)
         return o;
+    const pid_t pid = fork();
+    if (pid == 0) {
+        dup2(out[1], 1);
+        dup2(out[1], 2);
+        close(out[0]);
+        close(out[1]);
+        execve(argv[0], argv.data(), envp.data());
+        _exit(127);
     }
-    o.exitCode = p.exitCode();
-    o.normalExit = p.exitStatus() == QProcess::NormalExit;
-    o.output = QString::fromUtf8(p.readAll());
+    close(out[1]);
+    QByteArray output;
+    char buffer[4096];
+    for (;;) {
+        const ssize_t n = read(out[0], buffer, sizeof buffer);
+        if (n > 0) {
+            output.append(buffer, n);
+        } else if (n == 0 || errno != EINTR) {
+            break;
+        }
+    }
+    close(out[0]);
+    int status = 0;
+    if (pid < 0 || waitpid(pid, &status, 0) != pid)
+        return o;
+    o.normalExit = WIFEXITED(status);
+    o.exitCode = o.normalExit ? WEXITSTATUS(status) : -1;
+    o.output = QString::fromUtf8(output);
     QFile f(logPath);
     if (f.open(QIODevice::ReadOnly)) {
         o.log = QString::fromUtf8(f.readAll()).split('\n', Qt::SkipEmptyParts);
