@@ -124,31 +124,31 @@ const char* UwmName(std::uint32_t msg) {
         return #x;
         N(UWM_CONFIG_REFRESH)
         N(UWM_RESERVED_8002)
-        N(UWM_EQ_NUMBER_TYPE) N(UWM_EQ_TYPE) N(UWM_GRAPH_NUMBER_TYPE) N(UWM_SET_DIRECTION) N(
-            UWM_WINDOW_CLOSED) N(UWM_START_SCRATCH) N(UWM_CREATE_DECK_BUFFERS) N(UWM_DIAGNOSTICS)
-            N(UWM_APPLY_PAN) N(UWM_ASSIGN_CD_DRIVE) N(UWM_APPLY_EFFECT) N(
-                UWM_APPLY_EFFECT_PARAMETER) N(UWM_3D_GRAPH_VALUE) N(UWM_FIRST_FILL)
-                N(UWM_RELEASE_DECK) N(UWM_BACKWARD_FLAGS) N(UWM_FORWARD_FLAGS) N(
-                    UWM_GRAPHS_PRIORITY) N(UWM_DECK_VALUE) N(UWM_READER_ENDED) N(UWM_RESERVED_8017)
-                    N(UWM_END_OF_TRACK) N(UWM_LATENCY_MAXIMUM) N(UWM_LATENCY_QUARTER_REQUEST) N(
-                        UWM_EQ_BAND_GAIN) N(UWM_DEVICE_EQ_BANDS) N(UWM_DEVICE_EQ_ON) N(UWM_SHUTDOWN)
-                        N(UWM_SEARCH_ENTER) N(UWM_KEY_POLLED) N(UWM_KEY_DOWN) N(UWM_KEY_UP)
-                            N(UWM_GRAPH_DOUBLE_CLICK) N(UWM_MINIMISE_ALL) N(UWM_SET_SOUND_DEVICE) N(
-                                UWM_FORWARD_PLAY) N(UWM_REVERSE_PLAY) N(UWM_START_FORWARD_THREAD)
-                                N(UWM_START_REVERSE_THREAD) N(UWM_FORWARD_NOTIFY) N(
-                                    UWM_REVERSE_NOTIFY) N(UWM_SCRATCH_DONE) N(UWM_LOAD_AND_PLAY)
-                                    N(UWM_PRIME_DECK) N(UWM_RESTORE_ALL) N(UWM_REFRESH_CD_DRIVES)
-                                        N(UWM_LISTENER_POSITION) N(UWM_SET_REVERSE_POSITION)
-                                            N(UWM_HELP_BUTTONS) N(UWM_SET_FORWARD_POSITION)
-                                                N(UWM_METERS_THREAD) N(UWM_SET_REVERSE_FREQUENCY) N(
-                                                    UWM_SET_FORWARD_FREQUENCY) N(UWM_TITLE_BARS)
-                                                    N(UWM_PLAY_SCRATCH) N(UWM_STOP_DECK) N(
-                                                        UWM_STOP_REVERSE) N(UWM_TICK)
-                                                        N(UWM_DECK_INFO_UPDATE) N(UWM_GRAPHS_UPDATE)
-                                                            N(UWM_TRACK_NUMBER) N(UWM_TRACK_INFO)
-                                                                N(UWM_LATENCY_QUARTER)
+        N(UWM_EQ_NUMBER_TYPE)
+        N(UWM_EQ_TYPE) N(UWM_GRAPH_NUMBER_TYPE) N(UWM_SET_DIRECTION) N(UWM_WINDOW_CLOSED) N(
+            UWM_START_SCRATCH) N(UWM_CREATE_DECK_BUFFERS) N(UWM_DIAGNOSTICS) N(UWM_APPLY_PAN)
+            N(UWM_ASSIGN_CD_DRIVE) N(UWM_APPLY_EFFECT) N(UWM_APPLY_EFFECT_PARAMETER) N(
+                UWM_3D_GRAPH_VALUE) N(UWM_FIRST_FILL) N(UWM_RELEASE_DECK) N(UWM_BACKWARD_FLAGS)
+                N(UWM_FORWARD_FLAGS) N(UWM_GRAPHS_PRIORITY) N(UWM_DECK_VALUE) N(UWM_READER_ENDED) N(
+                    UWM_RESERVED_8017) N(UWM_END_OF_TRACK) N(UWM_LATENCY_MAXIMUM)
+                    N(UWM_LATENCY_QUARTER_REQUEST) N(UWM_EQ_BAND_GAIN) N(UWM_DEVICE_EQ_BANDS) N(
+                        UWM_DEVICE_EQ_ON) N(UWM_SHUTDOWN) N(UWM_SEARCH_ENTER) N(UWM_KEY_POLLED)
+                        N(UWM_KEY_DOWN) N(UWM_KEY_UP) N(UWM_GRAPH_DOUBLE_CLICK) N(UWM_MINIMISE_ALL)
+                            N(UWM_SET_SOUND_DEVICE) N(UWM_FORWARD_PLAY) N(UWM_REVERSE_PLAY) N(
+                                UWM_START_FORWARD_THREAD) N(UWM_START_REVERSE_THREAD)
+                                N(UWM_FORWARD_NOTIFY) N(UWM_REVERSE_NOTIFY) N(UWM_SCRATCH_DONE) N(
+                                    UWM_LOAD_AND_PLAY) N(UWM_PRIME_DECK) N(UWM_RESTORE_ALL)
+                                    N(UWM_REFRESH_CD_DRIVES) N(UWM_LISTENER_POSITION) N(
+                                        UWM_SET_REVERSE_POSITION) N(UWM_HELP_BUTTONS)
+                                        N(UWM_SET_FORWARD_POSITION) N(UWM_METERS_THREAD) N(
+                                            UWM_SET_REVERSE_FREQUENCY) N(UWM_SET_FORWARD_FREQUENCY)
+                                            N(UWM_TITLE_BARS) N(UWM_PLAY_SCRATCH) N(UWM_STOP_DECK)
+                                                N(UWM_STOP_REVERSE) N(UWM_TICK)
+                                                    N(UWM_DECK_INFO_UPDATE) N(UWM_GRAPHS_UPDATE)
+                                                        N(UWM_TRACK_NUMBER) N(UWM_TRACK_INFO)
+                                                            N(UWM_LATENCY_QUARTER)
 #undef N
-                                                                    default : return "UWM_UNKNOWN";
+                                                                default : return "UWM_UNKNOWN";
     }
 }
 
