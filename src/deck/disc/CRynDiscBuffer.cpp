@@ -39,8 +39,7 @@ CRynDiscBuffer::CRynDiscBuffer(int deck, DeckInfoStats& stats)
 CRynDiscBuffer::~CRynDiscBuffer() {
     StopForwardReader();
     StopBackwardReader();
-    if (backwardThread_.joinable())
-        backwardThread_.join();
+    JoinBackwardReader();
 }
 
 // ---------------------------------------------------------------- consumer
@@ -227,16 +226,32 @@ void CRynDiscBuffer::JoinForward() {
 
 void CRynDiscBuffer::StartBackwardReader() {
     StopBackwardReader();
-    if (backwardThread_.joinable())
-        backwardThread_.join();
+    JoinBackwardReader();
+    // The stop's wake must not start the new reader's first pass.
+    shared_.backwardWakeEvent.Reset();
     backwardPlay_ = 0;
     shared_.backwardReaderRun.store(1);
-    backwardThread_ = std::thread([this] { BackwardReaderMain(); });
+    backwardFinished_.store(false);
+    backwardThread_ = std::thread([this] {
+        BackwardReaderMain();
+        backwardFinished_.store(true);
+    });
 }
 
 void CRynDiscBuffer::StopBackwardReader() {
     shared_.backwardReaderRun.store(0);
     shared_.backwardWakeEvent.Set();
+}
+
+void CRynDiscBuffer::JoinBackwardReader() {
+    // The backward reader's sends are served by the deck window's queue.
+    while (backwardThread_.joinable() && !backwardFinished_.load()) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+        std::this_thread::yield();
+    }
+    if (backwardThread_.joinable())
+        backwardThread_.join();
 }
 
 void CRynDiscBuffer::ForwardReaderMain() {

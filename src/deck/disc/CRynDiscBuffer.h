@@ -93,6 +93,8 @@ class CRynDiscBuffer {
     void StopForwardReader();
     void StartBackwardReader();
     void StopBackwardReader();
+    // Waits for the backward reader to end (after StopBackwardReader).
+    void JoinBackwardReader();
 
     // The deck window's messages from the readers (first fill, flags, reader
     // ended). True when handled; *result then holds the answer.
@@ -152,8 +154,9 @@ class CRynDiscBuffer {
 
     std::thread forwardThread_;
     std::thread backwardThread_;
-    std::atomic<bool> forwardAlive_{false};     // the handle: cleared by the reader's last message
-    std::atomic<bool> forwardFinished_{false};  // the thread function has returned
+    std::atomic<bool> forwardAlive_{false};  // the handle: cleared by the reader's last message
+    std::atomic<bool> forwardFinished_{false};
+    std::atomic<bool> backwardFinished_{false};  // the thread function has returned
     std::atomic<ReaderPriority> priority_{ReaderPriority::AboveNormal};
     std::atomic<ReaderPriority> appliedPriority_{ReaderPriority::AboveNormal};
 

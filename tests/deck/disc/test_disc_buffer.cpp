@@ -78,6 +78,7 @@ class DiscBufferTest : public ::testing::Test {
     void TearDown() override {
         buffer.StopForwardReader();
         buffer.StopBackwardReader();
+        buffer.JoinBackwardReader();
     }
     // The engine record is renewed before the buffer binds to it.
     struct FreshEngine {
@@ -186,6 +187,7 @@ TEST_F(DiscBufferTest, BackwardPassReadsAtMost26BlocksInReverseSlotOrder) {
     EXPECT_EQ(FirstSample(s.backwardDisc[0].data()), 600);
     EXPECT_EQ(s.backwardFilled[26].load(), 0);
     buffer.StopBackwardReader();
+    buffer.JoinBackwardReader();  // before the source goes
 }
 
 TEST_F(DiscBufferTest, StopWhileReaderIsBlockedSendingToTheDeck) {
