@@ -1,4 +1,6 @@
 // Mixora entry point.
 #include "app/CMixoraApp.h"
 
-int main(int argc, char** argv) { return CMixoraApp::Run(argc, argv); }
+int main(int argc, char** argv) {
+    return CMixoraApp::Run(argc, argv);
+}

@@ -36,7 +36,8 @@ QString FixtureDir() {
 QString MakeTone(const QString& name, double frequency, double seconds, int rate, int channels,
                  const QStringList& codecArgs) {
     QString path = FixtureDir() + "/" + name;
-    if (QFile::exists(path)) return path;
+    if (QFile::exists(path))
+        return path;
     QString tmp = path + ".part" + QString::number(QCoreApplication::applicationPid()) + "." +
                   QFileInfo(name).suffix();
     QStringList args = {"-nostdin",
@@ -54,9 +55,11 @@ QString MakeTone(const QString& name, double frequency, double seconds, int rate
                         QString::number(channels)};
     args += codecArgs;
     args << tmp;
-    if (!Run("ffmpeg", args)) return {};
+    if (!Run("ffmpeg", args))
+        return {};
     QFile::remove(path);
-    if (!QFile::rename(tmp, path)) return {};
+    if (!QFile::rename(tmp, path))
+        return {};
     return path;
 }
 
@@ -64,7 +67,8 @@ bool WaitFor(const std::function<bool()>& pred, int timeoutMs) {
     QElapsedTimer t;
     t.start();
     while (!pred()) {
-        if (t.elapsed() > timeoutMs) return pred();
+        if (t.elapsed() > timeoutMs)
+            return pred();
         QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         QThread::msleep(1);
     }

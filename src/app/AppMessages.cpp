@@ -118,38 +118,82 @@ Deliverer* TheDeliverer(QObject* object) {
 }  // namespace
 
 const char* UwmName(std::uint32_t msg) {
-    switch (msg) {
-#define N(x) \
-    case x:  \
-        return #x;
-        N(UWM_CONFIG_REFRESH)
-        N(UWM_RESERVED_8002)
-        N(UWM_EQ_NUMBER_TYPE)
-        N(UWM_EQ_TYPE) N(UWM_GRAPH_NUMBER_TYPE) N(UWM_SET_DIRECTION) N(UWM_WINDOW_CLOSED) N(
-            UWM_START_SCRATCH) N(UWM_CREATE_DECK_BUFFERS) N(UWM_DIAGNOSTICS) N(UWM_APPLY_PAN)
-            N(UWM_ASSIGN_CD_DRIVE) N(UWM_APPLY_EFFECT) N(UWM_APPLY_EFFECT_PARAMETER) N(
-                UWM_3D_GRAPH_VALUE) N(UWM_FIRST_FILL) N(UWM_RELEASE_DECK) N(UWM_BACKWARD_FLAGS)
-                N(UWM_FORWARD_FLAGS) N(UWM_GRAPHS_PRIORITY) N(UWM_DECK_VALUE) N(UWM_READER_ENDED) N(
-                    UWM_RESERVED_8017) N(UWM_END_OF_TRACK) N(UWM_LATENCY_MAXIMUM)
-                    N(UWM_LATENCY_QUARTER_REQUEST) N(UWM_EQ_BAND_GAIN) N(UWM_DEVICE_EQ_BANDS) N(
-                        UWM_DEVICE_EQ_ON) N(UWM_SHUTDOWN) N(UWM_SEARCH_ENTER) N(UWM_KEY_POLLED)
-                        N(UWM_KEY_DOWN) N(UWM_KEY_UP) N(UWM_GRAPH_DOUBLE_CLICK) N(UWM_MINIMISE_ALL)
-                            N(UWM_SET_SOUND_DEVICE) N(UWM_FORWARD_PLAY) N(UWM_REVERSE_PLAY) N(
-                                UWM_START_FORWARD_THREAD) N(UWM_START_REVERSE_THREAD)
-                                N(UWM_FORWARD_NOTIFY) N(UWM_REVERSE_NOTIFY) N(UWM_SCRATCH_DONE) N(
-                                    UWM_LOAD_AND_PLAY) N(UWM_PRIME_DECK) N(UWM_RESTORE_ALL)
-                                    N(UWM_REFRESH_CD_DRIVES) N(UWM_LISTENER_POSITION) N(
-                                        UWM_SET_REVERSE_POSITION) N(UWM_HELP_BUTTONS)
-                                        N(UWM_SET_FORWARD_POSITION) N(UWM_METERS_THREAD) N(
-                                            UWM_SET_REVERSE_FREQUENCY) N(UWM_SET_FORWARD_FREQUENCY)
-                                            N(UWM_TITLE_BARS) N(UWM_PLAY_SCRATCH) N(UWM_STOP_DECK)
-                                                N(UWM_STOP_REVERSE) N(UWM_TICK)
-                                                    N(UWM_DECK_INFO_UPDATE) N(UWM_GRAPHS_UPDATE)
-                                                        N(UWM_TRACK_NUMBER) N(UWM_TRACK_INFO)
-                                                            N(UWM_LATENCY_QUARTER)
-#undef N
-                                                                default : return "UWM_UNKNOWN";
+    struct NamedMessage {
+        std::uint32_t id;
+        const char* name;
+    };
+    static const NamedMessage kNames[] = {
+        {UWM_CONFIG_REFRESH, "UWM_CONFIG_REFRESH"},
+        {UWM_RESERVED_8002, "UWM_RESERVED_8002"},
+        {UWM_EQ_NUMBER_TYPE, "UWM_EQ_NUMBER_TYPE"},
+        {UWM_EQ_TYPE, "UWM_EQ_TYPE"},
+        {UWM_GRAPH_NUMBER_TYPE, "UWM_GRAPH_NUMBER_TYPE"},
+        {UWM_SET_DIRECTION, "UWM_SET_DIRECTION"},
+        {UWM_WINDOW_CLOSED, "UWM_WINDOW_CLOSED"},
+        {UWM_START_SCRATCH, "UWM_START_SCRATCH"},
+        {UWM_CREATE_DECK_BUFFERS, "UWM_CREATE_DECK_BUFFERS"},
+        {UWM_DIAGNOSTICS, "UWM_DIAGNOSTICS"},
+        {UWM_APPLY_PAN, "UWM_APPLY_PAN"},
+        {UWM_ASSIGN_CD_DRIVE, "UWM_ASSIGN_CD_DRIVE"},
+        {UWM_APPLY_EFFECT, "UWM_APPLY_EFFECT"},
+        {UWM_APPLY_EFFECT_PARAMETER, "UWM_APPLY_EFFECT_PARAMETER"},
+        {UWM_3D_GRAPH_VALUE, "UWM_3D_GRAPH_VALUE"},
+        {UWM_FIRST_FILL, "UWM_FIRST_FILL"},
+        {UWM_RELEASE_DECK, "UWM_RELEASE_DECK"},
+        {UWM_BACKWARD_FLAGS, "UWM_BACKWARD_FLAGS"},
+        {UWM_FORWARD_FLAGS, "UWM_FORWARD_FLAGS"},
+        {UWM_GRAPHS_PRIORITY, "UWM_GRAPHS_PRIORITY"},
+        {UWM_DECK_VALUE, "UWM_DECK_VALUE"},
+        {UWM_READER_ENDED, "UWM_READER_ENDED"},
+        {UWM_RESERVED_8017, "UWM_RESERVED_8017"},
+        {UWM_END_OF_TRACK, "UWM_END_OF_TRACK"},
+        {UWM_LATENCY_MAXIMUM, "UWM_LATENCY_MAXIMUM"},
+        {UWM_LATENCY_QUARTER_REQUEST, "UWM_LATENCY_QUARTER_REQUEST"},
+        {UWM_EQ_BAND_GAIN, "UWM_EQ_BAND_GAIN"},
+        {UWM_DEVICE_EQ_BANDS, "UWM_DEVICE_EQ_BANDS"},
+        {UWM_DEVICE_EQ_ON, "UWM_DEVICE_EQ_ON"},
+        {UWM_SHUTDOWN, "UWM_SHUTDOWN"},
+        {UWM_SEARCH_ENTER, "UWM_SEARCH_ENTER"},
+        {UWM_KEY_POLLED, "UWM_KEY_POLLED"},
+        {UWM_KEY_DOWN, "UWM_KEY_DOWN"},
+        {UWM_KEY_UP, "UWM_KEY_UP"},
+        {UWM_GRAPH_DOUBLE_CLICK, "UWM_GRAPH_DOUBLE_CLICK"},
+        {UWM_MINIMISE_ALL, "UWM_MINIMISE_ALL"},
+        {UWM_SET_SOUND_DEVICE, "UWM_SET_SOUND_DEVICE"},
+        {UWM_FORWARD_PLAY, "UWM_FORWARD_PLAY"},
+        {UWM_REVERSE_PLAY, "UWM_REVERSE_PLAY"},
+        {UWM_START_FORWARD_THREAD, "UWM_START_FORWARD_THREAD"},
+        {UWM_START_REVERSE_THREAD, "UWM_START_REVERSE_THREAD"},
+        {UWM_FORWARD_NOTIFY, "UWM_FORWARD_NOTIFY"},
+        {UWM_REVERSE_NOTIFY, "UWM_REVERSE_NOTIFY"},
+        {UWM_SCRATCH_DONE, "UWM_SCRATCH_DONE"},
+        {UWM_LOAD_AND_PLAY, "UWM_LOAD_AND_PLAY"},
+        {UWM_PRIME_DECK, "UWM_PRIME_DECK"},
+        {UWM_RESTORE_ALL, "UWM_RESTORE_ALL"},
+        {UWM_REFRESH_CD_DRIVES, "UWM_REFRESH_CD_DRIVES"},
+        {UWM_LISTENER_POSITION, "UWM_LISTENER_POSITION"},
+        {UWM_SET_REVERSE_POSITION, "UWM_SET_REVERSE_POSITION"},
+        {UWM_HELP_BUTTONS, "UWM_HELP_BUTTONS"},
+        {UWM_SET_FORWARD_POSITION, "UWM_SET_FORWARD_POSITION"},
+        {UWM_METERS_THREAD, "UWM_METERS_THREAD"},
+        {UWM_SET_REVERSE_FREQUENCY, "UWM_SET_REVERSE_FREQUENCY"},
+        {UWM_SET_FORWARD_FREQUENCY, "UWM_SET_FORWARD_FREQUENCY"},
+        {UWM_TITLE_BARS, "UWM_TITLE_BARS"},
+        {UWM_PLAY_SCRATCH, "UWM_PLAY_SCRATCH"},
+        {UWM_STOP_DECK, "UWM_STOP_DECK"},
+        {UWM_STOP_REVERSE, "UWM_STOP_REVERSE"},
+        {UWM_TICK, "UWM_TICK"},
+        {UWM_DECK_INFO_UPDATE, "UWM_DECK_INFO_UPDATE"},
+        {UWM_GRAPHS_UPDATE, "UWM_GRAPHS_UPDATE"},
+        {UWM_TRACK_NUMBER, "UWM_TRACK_NUMBER"},
+        {UWM_TRACK_INFO, "UWM_TRACK_INFO"},
+        {UWM_LATENCY_QUARTER, "UWM_LATENCY_QUARTER"},
+    };
+    for (const NamedMessage& m : kNames) {
+        if (m.id == msg)
+            return m.name;
     }
+    return "UWM_UNKNOWN";
 }
 
 WindowHandle RegisterReceiver(QObject* object, MessageReceiver* receiver) {

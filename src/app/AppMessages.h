@@ -33,22 +33,22 @@ enum Uwm : std::uint32_t {
     UWM_APPLY_EFFECT = 0x800D,
     UWM_APPLY_EFFECT_PARAMETER = 0x800E,
     UWM_3D_GRAPH_VALUE = 0x800F,
-    UWM_FIRST_FILL = 0x8010,        // forward reader -> deck, posted once per run
+    UWM_FIRST_FILL = 0x8010,  // forward reader -> deck, posted once per run
     UWM_RELEASE_DECK = 0x8011,
-    UWM_BACKWARD_FLAGS = 0x8012,    // backward reader -> deck, per block
-    UWM_FORWARD_FLAGS = 0x8013,     // forward reader -> deck, per block
+    UWM_BACKWARD_FLAGS = 0x8012,  // backward reader -> deck, per block
+    UWM_FORWARD_FLAGS = 0x8013,   // forward reader -> deck, per block
     UWM_GRAPHS_PRIORITY = 0x8014,
     UWM_DECK_VALUE = 0x8015,
-    UWM_READER_ENDED = 0x8016,      // forward reader -> deck, at its end
+    UWM_READER_ENDED = 0x8016,  // forward reader -> deck, at its end
     UWM_RESERVED_8017 = 0x8017,
-    UWM_END_OF_TRACK = 0x8018,      // decoder or CD reader -> deck
+    UWM_END_OF_TRACK = 0x8018,  // decoder or CD reader -> deck
     UWM_LATENCY_MAXIMUM = 0x8019,
     UWM_LATENCY_QUARTER_REQUEST = 0x801A,  // equalizer window -> deck
     UWM_EQ_BAND_GAIN = 0x801B,
     UWM_DEVICE_EQ_BANDS = 0x801C,
     UWM_DEVICE_EQ_ON = 0x801D,
     UWM_SHUTDOWN = 0x801E,
-    UWM_SEARCH_ENTER = 0x801F,      // play-list search field's Enter key
+    UWM_SEARCH_ENTER = 0x801F,  // play-list search field's Enter key
     UWM_KEY_POLLED = 0x8020,
     UWM_KEY_DOWN = 0x8021,
     UWM_KEY_UP = 0x8022,
@@ -62,7 +62,7 @@ enum Uwm : std::uint32_t {
     UWM_FORWARD_NOTIFY = 0x802A,
     UWM_REVERSE_NOTIFY = 0x802B,
     UWM_SCRATCH_DONE = 0x802C,
-    UWM_LOAD_AND_PLAY = 0x802D,     // play list -> deck
+    UWM_LOAD_AND_PLAY = 0x802D,  // play list -> deck
     UWM_PRIME_DECK = 0x802E,
     UWM_RESTORE_ALL = 0x802F,
     UWM_REFRESH_CD_DRIVES = 0x8030,
@@ -80,8 +80,8 @@ enum Uwm : std::uint32_t {
     UWM_TICK = 0x803C,
     UWM_DECK_INFO_UPDATE = 0x803D,
     UWM_GRAPHS_UPDATE = 0x803E,
-    UWM_TRACK_NUMBER = 0x803F,      // play list -> deck: refresh the track number
-    UWM_TRACK_INFO = 0x8040,        // play list -> deck: refresh the track information
+    UWM_TRACK_NUMBER = 0x803F,  // play list -> deck: refresh the track number
+    UWM_TRACK_INFO = 0x8040,    // play list -> deck: refresh the track information
     UWM_LATENCY_QUARTER = 0x8041,
 };
 
@@ -98,7 +98,7 @@ using WindowHandle = std::uint32_t;  // 0 = no window
 
 // Implemented by everything that takes application messages.
 class MessageReceiver {
-public:
+  public:
     virtual ~MessageReceiver() = default;
     virtual LResult OnAppMessage(Uwm msg, WParam wParam, LParam lParam) = 0;
 };

@@ -4,7 +4,9 @@
 #include <QStandardPaths>
 
 namespace {
-QString FromEnv(const char* name) { return QString::fromLocal8Bit(qgetenv(name)); }
+QString FromEnv(const char* name) {
+    return QString::fromLocal8Bit(qgetenv(name));
+}
 }  // namespace
 
 QString ConfigDir() {

@@ -33,7 +33,8 @@ bool SyncEvent::Wait(int timeoutMs) {
     } else if (!cv_.wait_for(lock, std::chrono::milliseconds(timeoutMs), [this] { return set_; })) {
         return false;
     }
-    if (kind_ == Kind::AutoReset) set_ = false;
+    if (kind_ == Kind::AutoReset)
+        set_ = false;
     return true;
 }
 

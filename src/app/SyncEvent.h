@@ -9,7 +9,7 @@
 #include <string>
 
 class SyncEvent {
-public:
+  public:
     enum class Kind { AutoReset, ManualReset };
     static constexpr int kInfinite = -1;
 
@@ -29,7 +29,7 @@ public:
     const std::string& Name() const { return name_; }
     Kind GetKind() const { return kind_; }
 
-private:
+  private:
     Kind kind_;
     std::string name_;
     mutable std::mutex mutex_;

@@ -8,8 +8,12 @@ namespace {
 thread_local bool t_isAudioThread = false;
 }
 
-void MarkAudioThread() { t_isAudioThread = true; }
-bool IsAudioThread() { return t_isAudioThread; }
+void MarkAudioThread() {
+    t_isAudioThread = true;
+}
+bool IsAudioThread() {
+    return t_isAudioThread;
+}
 
 void AssertNotAudioThread() {
 #ifndef NDEBUG
