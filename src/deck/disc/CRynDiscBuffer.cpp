@@ -1,29 +1,23 @@
 #include "deck/disc/CRynDiscBuffer.h"
 
-#include <sys/resource.h>
-#include <sys/syscall.h>
-#include <unistd.h>
-
 #include <QCoreApplication>
 #include <cstring>
 
+#include "app/ThreadPriority.h"
 #include "deck/disc/DeckBlockSource.h"
 
 namespace {
 
-// Linux has no per-thread priority classes for normal threads; the readers
-// use their nice value (raising above normal needs CAP_SYS_NICE, otherwise
-// the request is simply not honoured).
-int NiceFor(ReaderPriority p) {
+ThreadPriority LevelOf(ReaderPriority p) {
     switch (p) {
         case ReaderPriority::BelowNormal:
-            return 5;
+            return ThreadPriority::BelowNormal;
         case ReaderPriority::AboveNormal:
-            return -2;
+            return ThreadPriority::AboveNormal;
         case ReaderPriority::TimeCritical:
-            return -10;
+            return ThreadPriority::TimeCritical;
     }
-    return 0;
+    return ThreadPriority::Normal;
 }
 
 }  // namespace
@@ -430,6 +424,5 @@ void CRynDiscBuffer::ApplyOwnPriority() {
     if (appliedPriority_.load() == want)
         return;
     appliedPriority_.store(want);
-    const pid_t tid = static_cast<pid_t>(::syscall(SYS_gettid));
-    ::setpriority(PRIO_PROCESS, static_cast<id_t>(tid), NiceFor(want));
+    ApplyCurrentThreadPriority(LevelOf(want));
 }
