@@ -1,15 +1,76 @@
 #include "deck/CRynDeck.h"
 
 #include <QCloseEvent>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
 
 #include "app/EngineState.h"
+#include "controls/CNiButton.h"
+#include "controls/CNiSlide.h"
+#include "deck/CRynDeckInfo.h"
+#include "deck/disc/CRynDiscBuffer.h"
+#include "deck/source/DeckSource.h"
+#include "deck/tempo/TempoLaw.h"
+#include "dsp/window/CRynEqualizer.h"
+#include "playlist/PlayList.h"
+#include "playlist/window/CRynPlayList.h"
+#include "settings/CRynSettings.h"
+#include "sources/CRynFileDecoder.h"
+
+namespace {
+
+QLabel* MakeDisplay(QWidget* parent, int pointSize) {
+    auto* label = new QLabel(parent);
+    label->setAutoFillBackground(true);
+    QPalette p = label->palette();
+    p.setColor(QPalette::Window, QColor(12, 16, 20));
+    p.setColor(QPalette::WindowText, QColor(120, 230, 140));
+    label->setPalette(p);
+    QFont f = label->font();
+    f.setPointSize(pointSize);
+    f.setFamily(QStringLiteral("Monospace"));
+    label->setFont(f);
+    label->setMargin(3);
+    return label;
+}
+
+CNiButton* MakeCommand(QWidget* parent, const QString& caption) {
+    auto* b = new CNiButton(parent);
+    b->SetCaption(caption);
+    b->SetAction(CNiButton::kIndicator);
+    return b;
+}
+
+CNiButton* MakeLed(QWidget* parent, const QString& caption) {
+    auto* b = new CNiButton(parent);
+    b->SetStyle(CNiButton::kRoundLamp);
+    b->SetColors(QColor(200, 200, 20), QColor(50, 50, 40));
+    b->setToolTip(caption);
+    b->setFixedSize(16, 16);
+    return b;
+}
+
+}  // namespace
 
 CRynDeck::CRynDeck(QWidget* parent) : CRynWindow("CRynDeck", kTemplateId, parent) {
     resize(368, 420);
+    decoder_ = std::make_unique<CRynFileDecoder>();
+    BuildControls();
 }
 
 CRynDeck::~CRynDeck() {
+    if (disc_) {
+        disc_->SetRunning(false);
+        disc_->StopForwardReader();
+        disc_->StopBackwardReader();
+        disc_->JoinBackwardReader();
+    }
+    if (source_)
+        source_->Close();
     DeckSharedState& d = Engine().decks[deck_];
+    if (d.decoder == decoder_.get())
+        d.decoder = nullptr;
     if (d.deckWindow == Handle())
         d.deckWindow = 0;
 }
@@ -21,8 +82,42 @@ void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlay
     playList_ = playList;
     mainMixer_ = mainMixer;
     deck_ = deck == 1 ? 1 : 0;
-    Engine().decks[deck_].deckWindow = Handle();
+    DeckSharedState& shared = Engine().decks[deck_];
+    shared.deckWindow = Handle();
+    shared.decoder = decoder_.get();
+    shared.cdDrive.store(-1);
     setWindowTitle(QStringLiteral("Deck %1").arg(QChar('A' + deck_)));
+
+    if (!playList_)
+        ownList_ = std::make_unique<PlayList>();
+    source_ = std::make_unique<DeckSource>(deck_, *decoder_, List(), cd_);
+    disc_ = std::make_unique<CRynDiscBuffer>(deck_, ownStats_);
+    disc_->SetSource(source_.get());
+    disc_->SetStreamRate([this] { return Rate(); });
+    disc_->SetLedsChanged([this] {
+        const CRynDiscBuffer::Leds& l = disc_->GetLeds();
+        freshDataLed_->SetValue(l.freshDataLow);
+        discLowLed_->SetOnColor(l.discBufferVeryLow ? QColor(200, 20, 20) : QColor(200, 200, 20));
+        discLowLed_->SetValue(l.discBufferLow);
+        readErrorLed_->SetValue(l.discReadError);
+    });
+    for (CNiSlide* s : {progress_})
+        s->SetPointerColor(0, Colour(0));
+    WireControls();
+}
+
+void CRynDeck::SetCdAudio(CRynCdAudio* cd) {
+    cd_ = cd;
+    if (source_) {
+        // The source is rebuilt around the reader; nothing is loaded yet.
+        disc_->SetSource(nullptr);
+        source_ = std::make_unique<DeckSource>(deck_, *decoder_, List(), cd_);
+        disc_->SetSource(source_.get());
+    }
+}
+
+PlayList& CRynDeck::List() {
+    return playList_ ? playList_->List() : *ownList_;
 }
 
 QColor CRynDeck::Colour(int which) const {
@@ -32,16 +127,340 @@ QColor CRynDeck::Colour(int which) const {
     return kColours[deck_][which == 1 ? 1 : 0];
 }
 
-void CRynDeck::Shutdown() {
-    Engine().decks[deck_].isPlaying.store(0);
+void CRynDeck::BuildControls() {
+    auto* grid = new QGridLayout(this);
+    grid->setSpacing(4);
+    grid->setContentsMargins(6, 6, 6, 6);
+
+    trackName_ = MakeDisplay(this, 10);
+    trackName_->setText(QString::fromLatin1(DeckSource::kNoFile));
+    trackName_->setToolTip(QStringLiteral("Current Track Name Display"));
+    trackNumber_ = MakeDisplay(this, 10);
+    trackNumber_->setText(QStringLiteral("0/0"));
+    trackNumber_->setAlignment(Qt::AlignCenter);
+    grid->addWidget(trackName_, 0, 0, 1, 5);
+    grid->addWidget(trackNumber_, 0, 5);
+
+    timeMode_ = MakeCommand(this, QString::fromLatin1("Elapsed In Track:"));
+    timeDisplay_ = MakeDisplay(this, 14);
+    timeDisplay_->setText(QStringLiteral("00:00:00"));
+    timeDisplay_->setAlignment(Qt::AlignCenter);
+    grid->addWidget(timeMode_, 1, 0, 1, 3);
+    grid->addWidget(timeDisplay_, 1, 3, 1, 3);
+
+    progress_ = new CNiSlide(Qt::Horizontal, this);
+    progress_->SetAxis(0.0, 1.0);
+    progress_->SetFillColor(kProgressGrey);
+    progress_->setToolTip(QStringLiteral("Track Progress Slide"));
+    grid->addWidget(progress_, 2, 0, 1, 6);
+
+    startStop_ = MakeCommand(this, QStringLiteral("start"));
+    dropLift_ = MakeCommand(this, QStringLiteral("drop"));
+    direction_ = new CNiButton(QStringLiteral("rev"), QStringLiteral("REV"), this);
+    rewind_ = new CNiButton(QStringLiteral("<<"), QStringLiteral("<<"), this);
+    rewind_->SetAction(CNiButton::kSwitchUntilReleased);
+    fastForward_ = new CNiButton(QStringLiteral(">>"), QStringLiteral(">>"), this);
+    fastForward_->SetAction(CNiButton::kSwitchUntilReleased);
+    grid->addWidget(startStop_, 3, 0);
+    grid->addWidget(dropLift_, 3, 1);
+    grid->addWidget(direction_, 3, 2);
+    grid->addWidget(rewind_, 3, 3);
+    grid->addWidget(fastForward_, 3, 4);
+
+    previous_ = MakeCommand(this, QStringLiteral("|<"));
+    next_ = MakeCommand(this, QStringLiteral(">|"));
+    eject_ = MakeCommand(this, QStringLiteral("eject"));
+    modeButton_ = MakeCommand(this, QStringLiteral("File"));
+    grid->addWidget(previous_, 4, 0);
+    grid->addWidget(next_, 4, 1);
+    grid->addWidget(eject_, 4, 2);
+    grid->addWidget(modeButton_, 4, 3);
+    errorCorrection_ = new CNiButton(QString(), QString(), this);
+    errorCorrection_->setEnabled(false);
+    grid->addWidget(errorCorrection_, 4, 4, 1, 2);
+
+    drives_ = new QComboBox(this);
+    drives_->setToolTip(QStringLiteral("CD Drive Selection"));
+    drives_->setEnabled(false);
+    grid->addWidget(drives_, 5, 0, 1, 4);
+
+    freshDataLed_ = MakeLed(this, QStringLiteral("Fresh Data Low"));
+    discLowLed_ = MakeLed(this, QStringLiteral("Disc Buffer Low"));
+    readErrorLed_ = MakeLed(this, QStringLiteral("Disc Read Error"));
+    readErrorLed_->SetColors(QColor(220, 30, 30), QColor(50, 40, 40));
+    auto* leds = new QHBoxLayout;
+    leds->addWidget(freshDataLed_);
+    leds->addWidget(discLowLed_);
+    leds->addWidget(readErrorLed_);
+    grid->addLayout(leds, 5, 4, 1, 2);
+
+    showEqualizer_ = new CNiButton(QStringLiteral("Show The Equalizer:"),
+                                   QStringLiteral("Show The Equalizer:"), this);
+    showPlayList_ = new CNiButton(QStringLiteral("Show The Play List:"),
+                                  QStringLiteral("Show The Play List:"), this);
+    showInfo_ =
+        new CNiButton(QStringLiteral("Show Deck Info:"), QStringLiteral("Show Deck Info:"), this);
+    for (CNiButton* b : {showEqualizer_, showPlayList_, showInfo_})
+        b->SetStyle(CNiButton::kLedButton);
+    grid->addWidget(showEqualizer_, 6, 0, 1, 2);
+    grid->addWidget(showPlayList_, 6, 2, 1, 2);
+    grid->addWidget(showInfo_, 6, 4, 1, 2);
+
+    // A deck starts stopped with its needle up and all transport disabled.
+    SetTransportEnabled(false);
+    direction_->setEnabled(false);
 }
 
-void CRynDeck::CloseDecoder() {}
+void CRynDeck::WireControls() {
+    auto leftDown = [](CNiButton* b, auto&& f) {
+        QObject::connect(b, &CNiControl::mouseDown, b, [f](int button, int, QPoint) {
+            if (button == 1)
+                f();
+        });
+    };
+    leftDown(startStop_, [this] {
+        if (startStop_->Caption() == QLatin1String("start"))
+            StartTurntable();
+        else
+            StopTurntable();
+    });
+    leftDown(dropLift_, [this] {
+        if (dropLift_->Caption() == QLatin1String("drop"))
+            DropNeedle();
+        else if (dropLift_->Caption() == QLatin1String("lift"))
+            LiftNeedle();
+    });
+    leftDown(previous_, [this] { PreviousTrack(); });
+    leftDown(next_, [this] { NextTrack(); });
+    leftDown(eject_, [this] { Eject(); });
+    leftDown(modeButton_, [this] {
+        SetDeckMode(modeButton_->Caption() == QLatin1String("CD") ? DeckSource::kFileMode
+                                                                  : DeckSource::kCdMode);
+    });
+    leftDown(timeMode_, [this] { NextTimeDisplayMode(); });
+    connect(direction_, &CNiButton::valueChanged, this, [this](bool on) { SetReverse(on); });
+    connect(rewind_, &CNiButton::valueChanged, this, [this](bool on) { WindPressed(false, on); });
+    connect(fastForward_, &CNiButton::valueChanged, this,
+            [this](bool on) { WindPressed(true, on); });
+    connect(progress_, &CNiControl::mouseDown, this, [this](int button, int, QPoint) {
+        if (button == 1) {
+            progressFollowsPlay_ = false;
+            StopBlink();
+        }
+    });
+    connect(progress_, &CNiSlide::valueChanged, this, [this](double) {
+        if (!progressFollowsPlay_)
+            UpdateTimeDisplay();
+    });
+    connect(progress_, &CNiControl::mouseUp, this, [this](int button, int, QPoint) {
+        if (button == 1)
+            Reposition(progress_->Value());
+    });
+    connect(drives_, &QComboBox::activated, this, [this](int index) { SelectDriveItem(index); });
+    connect(errorCorrection_, &CNiButton::valueChanged, this,
+            [this](bool on) { source_->SetErrorCorrection(on); });
+    auto showToggle = [this](CNiButton* b, auto window) {
+        connect(b, &CNiButton::valueChanged, this, [window](bool on) {
+            if (QWidget* w = window())
+                w->setVisible(on);
+        });
+    };
+    showToggle(showEqualizer_, [this] { return static_cast<QWidget*>(equalizer_); });
+    showToggle(showPlayList_, [this] { return static_cast<QWidget*>(playList_); });
+    showToggle(showInfo_, [this] { return static_cast<QWidget*>(info_); });
+}
 
-void CRynDeck::OnPrimed() {}
+void CRynDeck::SetTransportEnabled(bool on) {
+    for (CNiButton* b :
+         {eject_, startStop_, dropLift_, rewind_, fastForward_, direction_, previous_, next_})
+        b->setEnabled(on);
+}
+
+void CRynDeck::SetTrackName(const QString& text) {
+    trackName_->setText(text);
+}
+
+QString CRynDeck::TrackNameText() const {
+    return trackName_->text();
+}
+
+QString CRynDeck::TrackNumberText() const {
+    return trackNumber_->text();
+}
+
+QString CRynDeck::TimeText() const {
+    return timeDisplay_->text();
+}
+
+QString CRynDeck::TimeModeCaption() const {
+    return timeMode_->Caption();
+}
+
+double CRynDeck::ProgressValue() const {
+    return progress_->Value();
+}
+
+QColor CRynDeck::ProgressColour() const {
+    return progress_->FillColor();
+}
+
+int CRynDeck::Rate() const {
+    return source_ ? source_->Rate() : 44100;
+}
+
+void CRynDeck::FocusHost() {
+    // Keys go to the host through the application's key filter wherever the
+    // focus is; the deck only gives up its own focus.
+    if (QWidget* w = focusWidget())
+        w->clearFocus();
+}
+
+void CRynDeck::Shutdown() {
+    Engine().decks[deck_].isPlaying.store(0);
+    if (disc_) {
+        disc_->SetRunning(false);
+        disc_->StopForwardReader();
+    }
+}
+
+void CRynDeck::CloseDecoder() {
+    decoder_->Close();
+}
+
+// ------------------------------------------------------------ tempo
+
+void CRynDeck::ApplyTempo() {
+    const int hz = tempo::OutputFrequency(Rate(), 0.0);
+    Engine().decks[deck_].outputFrequency.store(hz);
+    PostAppMessageRetry(mainMixer_, UWM_SET_FORWARD_FREQUENCY, deck_, hz);
+}
+
+double CRynDeck::NominalRate() const {
+    return tempo::NominalRate(0.0, 0.0);
+}
+
+// ------------------------------------------------------------ mix cycle
+
+int CRynDeck::FillBlock(int writeBlockIndex, std::uint8_t* dest) {
+    return disc_ ? disc_->FillBlock(writeBlockIndex, dest) : CRynDiscBuffer::kNotRunning;
+}
+
+int CRynDeck::BlocksAhead() const {
+    return disc_ ? disc_->BlocksAhead() : 0;
+}
+
+bool CRynDeck::IsTurning() const {
+    return disc_ && disc_->Running();
+}
+
+void CRynDeck::BlockFallsDue() {
+    if (endOfTrackPending_)
+        --blocksUntilTrackEnd_;
+}
+
+void CRynDeck::OnPrimed() {
+    primed_ = true;
+}
+
+void CRynDeck::NoteCursors(int reversePlayCursor, int reverseWriteCursor) {
+    if (disc_)
+        disc_->NoteCursors(reversePlayCursor, reverseWriteCursor);
+}
+
+void CRynDeck::NoteForwardCursors(int playCursor, int writeCursor) {
+    if (!disc_)
+        return;
+    // The elapsed time counts the bytes played since the last notification.
+    if (lastPlayCursor_ >= 0 && !reverse_) {
+        int played = playCursor - lastPlayCursor_;
+        if (played < 0)
+            played += kOutputRingBlocks * kBlockBytes;
+        elapsedSeconds_ += double(played) / (double(Rate()) * 4.0);
+    }
+    lastPlayCursor_ = playCursor;
+    if (!disc_->NoteForwardCursors(playCursor, writeCursor)) {
+        OnTrackEnded();
+        return;
+    }
+    if (endOfTrackPending_ && blocksUntilTrackEnd_ <= 0)
+        OnEndHeard();
+}
+
+// ------------------------------------------------------------ messages
+
+LResult CRynDeck::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
+    LResult result = 0;
+    if (disc_ && disc_->HandleMessage(msg, wParam, lParam, &result))
+        return result;
+    switch (msg) {
+        case UWM_END_OF_TRACK:
+            return OnEndOfTrack();
+        case UWM_LOAD_AND_PLAY:
+            LoadTrack();
+            if (!Rotating() && startStop_->isEnabled())
+                StartTurntable();
+            return 0;
+        case UWM_TRACK_NUMBER:
+            RefreshTrackNumber();
+            return 0;
+        case UWM_TRACK_INFO:
+            RefreshTrackInfo();
+            return 0;
+        case UWM_LATENCY_MAXIMUM:
+            PostAppMessageRetry(mainMixer_, msg, wParam, lParam);
+            return 0;
+        case UWM_LATENCY_QUARTER_REQUEST:
+            for (int d = 0; d < 2; ++d)
+                PostAppMessageRetry(mainMixer_, UWM_LATENCY_QUARTER, d, lParam);
+            return 0;
+        case UWM_WINDOW_CLOSED:
+            if (wParam == 137)
+                showEqualizer_->SetValue(false);
+            else if (wParam == 144)
+                showPlayList_->SetValue(false);
+            else if (wParam == 132)
+                showInfo_->SetValue(false);
+            return 0;
+        default:
+            return CRynWindow::OnAppMessage(msg, wParam, lParam);
+    }
+}
+
+void CRynDeck::OnWindowTimer(int id) {
+    switch (id) {
+        case kBlinkTimer:
+            BlinkTick();
+            break;
+        case kRedropTimer:
+            RedropTick();
+            break;
+        case kDriveReopenTimer:
+            DriveReopenTick();
+            break;
+        case kCdStartTimer:
+            CdStartTick();
+            break;
+        case kWindTimer:
+            WindTick();
+            break;
+        case kProgressTimer:
+            ProgressTick();
+            break;
+        case kTimeTimer:
+            UpdateTimeDisplay();
+            break;
+        case kFileDialogTimer:
+            ShowFileDialog();
+            break;
+        default:
+            break;
+    }
+}
 
 void CRynDeck::closeEvent(QCloseEvent* event) {
     event->ignore();
+    for (CNiButton* b : {showEqualizer_, showPlayList_, showInfo_})
+        b->SetValue(false);
     hide();
     PostAppMessageRetry(mainMixer_, UWM_WINDOW_CLOSED, kTemplateId, deck_);
 }

@@ -1,21 +1,67 @@
-// A deck window (template 131): one turntable with its transport. Shell for
-// now: it knows its index, its information, equalizer and play list windows
-// and the main mixer, and registers itself as the deck's window in the engine
-// state; the transport comes with the deck itself.
+// A deck window (template 131): one turntable with its transport, its source
+// and its tempo. The deck plays one track at a time from its play list, in
+// File mode (its own file decoder) or CD mode (a drive of the program's CD
+// reader); only a rotating turntable fills the disc buffer, only a dropped
+// needle makes the deck audible.
+//
+// The window is split by concern over several files:
+//   CRynDeck.cpp           controls, wiring, messages, timers, the mix cycle's
+//                          side (MixerDeck)
+//   CRynDeckTransport.cpp  turntable and needle, reverse, wind, reposition, the
+//                          progress slide, the time display, track ended
+//   CRynDeckLoading.cpp    loading, previous/next, end of track, eject, CD
+//                          drive selection, deck mode
+//
+// State lives partly in button captions, as the user sees it: start/stop
+// reads "start" while the turntable is stopped, drop/lift reads "drop" while
+// the needle is up, the mode button shows the current mode ("CD"/"File").
+// Everything runs on the user-interface thread; the reader threads reach the
+// deck only by messages.
 #pragma once
 
 #include <QColor>
+#include <QStringList>
+#include <array>
+#include <functional>
+#include <memory>
 
 #include "app/CRynWindow.h"
+#include "deck/MixerDeck.h"
+#include "deck/disc/DeckInfoStats.h"
 
+class CNiButton;
+class CNiSlide;
+class CRynCdAudio;
 class CRynDeckInfo;
+class CRynDiscBuffer;
 class CRynEqualizer;
+class CRynFileDecoder;
 class CRynPlayList;
+class DeckSource;
+class DeckTempoPanel;
+class PlayList;
+class QComboBox;
+class QLabel;
 
-class CRynDeck : public CRynWindow {
+class CRynDeck : public CRynWindow, public MixerDeck {
     Q_OBJECT
   public:
     static constexpr int kTemplateId = 131;
+
+    // Window timers of the deck (the disc buffer keeps its own watchdog).
+    static constexpr int kBlinkTimer = 1;        // 300 ms: end-of-track blink
+    static constexpr int kRedropTimer = 2;       // 100 ms: re-drop after a reposition
+    static constexpr int kDriveReopenTimer = 3;  // 100 ms once: CD eject reopens the drive
+    static constexpr int kCdStartTimer = 9;      // 750 ms once: first track of a new disc
+    static constexpr int kWindTimer = 10;        // 100 ms: wind ticks
+    static constexpr int kProgressTimer = 11;    // 50 ms: progress slide follows play
+    static constexpr int kTimeTimer = 14;        // 500 ms: time display
+    static constexpr int kFileDialogTimer = 15;  // 750 ms once: the eject file dialog
+    static constexpr int kTurntableTimer = 17;   // 300 ms: turntable picture
+
+    // Progress slide colours: grey, and red for the end-of-track blink.
+    static inline const QColor kProgressGrey{100, 100, 100};
+    static inline const QColor kProgressRed{200, 15, 25};
 
     explicit CRynDeck(QWidget* parent = nullptr);
     ~CRynDeck() override;
@@ -24,12 +70,19 @@ class CRynDeck : public CRynWindow {
     // (0 = A, 1 = B). Sets the deck's deckWindow in the engine state.
     void Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlayList* playList,
                     WindowHandle mainMixer, int deck);
+    // The program's CD reader (not owned; null: CD mode finds no drives).
+    void SetCdAudio(CRynCdAudio* cd);
 
     int DeckIndex() const { return deck_; }
     WindowHandle MainMixer() const { return mainMixer_; }
     CRynDeckInfo* Info() const { return info_; }
     CRynEqualizer* Equalizer() const { return equalizer_; }
-    CRynPlayList* PlayList() const { return playList_; }
+    CRynPlayList* PlayListWindow() const { return playList_; }
+    PlayList& List();
+    CRynFileDecoder& Decoder() { return *decoder_; }
+    DeckSource& Source() { return *source_; }
+    CRynDiscBuffer& Disc() { return *disc_; }
+    DeckTempoPanel& Tempo() { return *tempo_; }
 
     // The deck's two colours: `which` 0 is its main colour, 1 its dark shade.
     QColor Colour(int which) const;
@@ -38,17 +91,166 @@ class CRynDeck : public CRynWindow {
     void Shutdown();
     // Shutdown: the deck's file decoder is closed.
     void CloseDecoder();
-    // The main mixer has written the deck's first blocks (UWM_PRIME_DECK).
-    void OnPrimed();
+
+    // --- Transport (CRynDeckTransport.cpp) ---
+    void StartTurntable();
+    void StopTurntable();
+    void DropNeedle();
+    void LiftNeedle();
+    void SetReverse(bool on);
+    void WindPressed(bool fastForward, bool pressed);
+    void WindTick();
+    // To `fraction` (0 … 1) of the current track; nothing while no track is loaded.
+    void Reposition(double fraction);
+    void UpdateTimeDisplay();
+    void NextTimeDisplayMode();
+    void SetTimeDisplayMode(const QString& caption);
+    void ProgressTick();
+    bool Rotating() const;
+    bool NeedleDown() const;
+
+    // --- Loading (CRynDeckLoading.cpp) ---
+    // The play list's current entry into the source: 0, or -1 on failure.
+    int LoadTrack();
+    bool PreviousTrack();
+    bool NextTrack();
+    void Eject();
+    // What the eject file dialog hands back: added to the list, the first loads and plays.
+    void OpenFiles(const QStringList& files);
+    // The drive chooser's item `index` (0 = no drive).
+    void SelectDriveItem(int index);
+    // 1 = File mode, 0 = CD mode; only while the turntable is stopped.
+    void SetDeckMode(int mode);
+    void RefreshTrackInfo();
+    void RefreshTrackNumber();
+    // Refills the drive chooser from the CD reader's drives.
+    void RefreshDriveList();
+
+    // --- Tempo ---
+    void ApplyTempo();
+
+    // --- The mix cycle's side ---
+    int FillBlock(int writeBlockIndex, std::uint8_t* dest) override;
+    int BlocksAhead() const override;
+    void NoteForwardCursors(int playCursor, int writeCursor) override;
+    void NoteCursors(int reversePlayCursor, int reverseWriteCursor) override;
+    bool IsReverse() const override { return reverse_; }
+    bool IsTurning() const override;
+    void BlockFallsDue() override;
+    void OnPrimed() override;
+    double NominalRate() const override;
+
+    // --- What the user sees (tests read these) ---
+    QString TrackNameText() const;
+    QString TrackNumberText() const;
+    QString TimeText() const;
+    QString TimeModeCaption() const;
+    double ProgressValue() const;
+    QColor ProgressColour() const;
+    bool TrackEnded() const { return trackEnded_; }
+    bool EndOfTrackPending() const { return endOfTrackPending_; }
+    int BlocksUntilTrackEnd() const { return blocksUntilTrackEnd_; }
+    double ElapsedSeconds() const { return elapsedSeconds_; }
+    bool Primed() const { return primed_; }
+    CNiButton* StartStopButton() const { return startStop_; }
+    CNiButton* DropLiftButton() const { return dropLift_; }
+    CNiButton* ModeButton() const { return modeButton_; }
+    CNiButton* DirectionButton() const { return direction_; }
+    CNiButton* RewindButton() const { return rewind_; }
+    CNiButton* FastForwardButton() const { return fastForward_; }
+    CNiButton* EjectButton() const { return eject_; }
+    CNiButton* PreviousButton() const { return previous_; }
+    CNiButton* NextButton() const { return next_; }
+    CNiSlide* ProgressSlide() const { return progress_; }
+    QComboBox* DriveChooser() const { return drives_; }
+
+    LResult OnAppMessage(Uwm msg, WParam wParam, LParam lParam) override;
+
+    // Tests: the eject dialog's files instead of a real dialog (empty list:
+    // the dialog was cancelled).
+    void SetFileDialogForTest(std::function<QStringList()> dialog) {
+        fileDialog_ = std::move(dialog);
+    }
+    // The filter of the eject file dialog.
+    static QString FileDialogFilter();
 
   protected:
     // The close box hides the window and tells the main mixer.
     void closeEvent(QCloseEvent* event) override;
+    void OnWindowTimer(int id) override;
 
   private:
+    void BuildControls();
+    void WireControls();
+    void SetTrackName(const QString& text);
+    void SetTransportEnabled(bool on);  // all eight transport buttons
+    void StopBlink();
+    void StartBlink();
+    void BlinkTick();
+    void RedropTick();
+    void OnTrackEnded();
+    void OnEndHeard();
+    LResult OnEndOfTrack();
+    void ShowFileDialog();
+    void OnDriveAssigned(int drive);
+    void CdStartTick();
+    void DriveReopenTick();
+    int Rate() const;
+    void FocusHost();
+    DeckInfoStats& Stats() { return ownStats_; }
+
     int deck_ = 0;
     WindowHandle mainMixer_ = 0;
     CRynDeckInfo* info_ = nullptr;
     CRynEqualizer* equalizer_ = nullptr;
     CRynPlayList* playList_ = nullptr;
+    CRynCdAudio* cd_ = nullptr;
+
+    std::unique_ptr<PlayList> ownList_;  // when no play list window is given
+    std::unique_ptr<CRynFileDecoder> decoder_;
+    std::unique_ptr<DeckSource> source_;
+    DeckInfoStats ownStats_;  // when no information window is given
+    std::unique_ptr<CRynDiscBuffer> disc_;
+
+    // Deck fields.
+    bool reverse_ = false;
+    double elapsedSeconds_ = 0;
+    bool progressFollowsPlay_ = true;
+    bool endOfTrackPending_ = false;
+    int blocksUntilTrackEnd_ = 0;
+    bool trackEnded_ = false;
+    int savedDriveItem_ = 0;
+    int redropCount_ = 0;
+    bool primed_ = false;
+    bool blinkRed_ = false;
+    bool windForward_ = false;
+    bool windBack_ = false;
+    int lastPlayCursor_ = -1;  // bytes, for the elapsed count
+
+    // Controls.
+    CNiButton* startStop_ = nullptr;
+    CNiButton* dropLift_ = nullptr;
+    CNiButton* modeButton_ = nullptr;
+    CNiButton* timeMode_ = nullptr;
+    CNiButton* errorCorrection_ = nullptr;
+    CNiButton* direction_ = nullptr;
+    CNiButton* rewind_ = nullptr;
+    CNiButton* fastForward_ = nullptr;
+    CNiButton* previous_ = nullptr;
+    CNiButton* next_ = nullptr;
+    CNiButton* eject_ = nullptr;
+    CNiButton* showEqualizer_ = nullptr;
+    CNiButton* showPlayList_ = nullptr;
+    CNiButton* showInfo_ = nullptr;
+    CNiButton* freshDataLed_ = nullptr;
+    CNiButton* discLowLed_ = nullptr;
+    CNiButton* readErrorLed_ = nullptr;
+    CNiSlide* progress_ = nullptr;
+    QLabel* trackName_ = nullptr;
+    QLabel* trackNumber_ = nullptr;
+    QLabel* timeDisplay_ = nullptr;
+    QComboBox* drives_ = nullptr;
+    DeckTempoPanel* tempo_ = nullptr;
+
+    std::function<QStringList()> fileDialog_;
 };

@@ -7,6 +7,8 @@
 #include "app/WorkerThread.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
+#include "platform/sound/SoundSystem.h"
+#include "settings/CRynSettings.h"
 
 CRynMainMixer::CRynMainMixer(QWidget* parent)
     : CRynWindow("CRynMainMixer", kTemplateId, parent), notify_(Engine()) {
@@ -17,6 +19,7 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
 CRynMainMixer::~CRynMainMixer() {
     // Threads still waiting are stopped and joined before the window goes.
     notify_.JoinAll();
+    mainOutput_.ReleaseAll();
     if (Engine().mainMixerWindow == Handle())
         Engine().mainMixerWindow = 0;
 }
@@ -28,6 +31,84 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
     headphones_ = headphones;
     graph3d_ = graph3d;
     Engine().mainMixerWindow = Handle();
+    cycle_.BindOutputs(&mainOutput_, cycle_.Headphones());
+    for (int d = 0; d < 2; ++d) {
+        cycle_.BindDeck(d, decks_[d]);
+        // Until the layout asks for a quarter, each deck runs at its user's
+        // latency setting.
+        const int user = Settings().GetEqLatencyInNotifies(d);
+        Engine().decks[d].latencyBlocks.store(user);
+        Engine().decks[d].writeAheadBlocks.store(user);
+    }
+}
+
+void CRynMainMixer::SetHeadphonesOutput(CRynAudioOutput* output) {
+    cycle_.BindOutputs(&mainOutput_, output);
+}
+
+std::string CRynMainMixer::StartupDeviceIdentifier() {
+    const QByteArray forced = qgetenv("MIXORA_SOUND_DEVICE");
+    if (!forced.isEmpty())
+        return forced.toStdString();
+    const std::vector<sound::SoundDeviceInfo> devices = sound::EnumerateDevices();
+    const std::string stored = Settings().GetSoundDeviceMain().toStdString();
+    if (!stored.empty()) {
+        for (const sound::SoundDeviceInfo& d : devices) {
+            if (d.description == stored || d.identifier == stored)
+                return d.identifier;
+        }
+    }
+    // The system's default output: PortAudio lists it as "default" on ALSA
+    // and PulseAudio systems; else the first real device, else silence.
+    const sound::SoundDeviceInfo* first = nullptr;
+    for (const sound::SoundDeviceInfo& d : devices) {
+        if (d.identifier.rfind("pa:", 0) != 0)
+            continue;
+        if (d.identifier.size() >= 8 &&
+            d.identifier.compare(d.identifier.size() - 8, 8, ":default") == 0)
+            return d.identifier;
+        if (!first)
+            first = &d;
+    }
+    return first ? first->identifier : std::string(sound::kNullDeviceId);
+}
+
+void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
+    for (int d = 0; d < 2; ++d) {
+        if (decks_[d] && decks_[d]->Rotating())
+            decks_[d]->StopTurntable();
+    }
+    if (identifier.empty()) {
+        mainOutput_.CloseDevice();
+        return;
+    }
+    if (mainOutput_.OpenDevice(identifier, identifier, Handle(), false) != 0) {
+        qWarning("Mixora: the sound device %s could not be opened; playing silently.",
+                 identifier.c_str());
+        mainOutput_.OpenDevice(sound::kNullDeviceId, sound::kNullDeviceId, Handle(), false);
+    }
+}
+
+void CRynMainMixer::LayoutBuilt() {
+    buildingLayout_ = false;
+    for (int d = 0; d < 2; ++d) {
+        if (!decks_[d] || !decks_[d]->HoldsLoop())
+            ApplyTarget(d, targets_[d].RequestQuarter(Engine().decks[d].latencyBlocks.load()));
+    }
+}
+
+void CRynMainMixer::ApplyTarget(int deck, std::optional<int> target) {
+    // The actual-latency control of the configuration window shows it; its
+    // value becomes the deck's write-ahead.
+    if (target)
+        Engine().decks[deck].writeAheadBlocks.store(*target);
+}
+
+LResult CRynMainMixer::AssignDrive(int deck, int drive) {
+    if (drive >= 0 && drives_[1 - deck] == drive)
+        return 0;  // the other deck holds it
+    drives_[deck] = drive;
+    return 1;
 }
 
 void CRynMainMixer::SetLowResolution(bool low) {
@@ -35,7 +116,7 @@ void CRynMainMixer::SetLowResolution(bool low) {
 }
 
 void CRynMainMixer::SetMixStepSink(MixStepSink* sink) {
-    sink_ = sink ? sink : &nullSink_;
+    sink_ = sink ? sink : &cycle_;
 }
 
 void CRynMainMixer::KillTimers() {
@@ -55,7 +136,7 @@ void CRynMainMixer::closeEvent(QCloseEvent* event) {
 
 void CRynMainMixer::MixStep(int deck) {
     ++mixSteps_[deck];
-    sink_->WriteDeckBlock(deck);
+    sink_->MixStep(deck, catchUp_);
     PaceDisplay();
 }
 
@@ -153,12 +234,55 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
         case UWM_PRIME_DECK:
             if (!ValidDeck(wParam))
                 return 0;
-            sink_->PlayForward(deck, false);
-            for (int i = 0; i < e.decks[deck].writeAheadBlocks.load(); ++i) {
-                sink_->WriteDeckBlock(deck);
-            }
+            sink_->Prime(deck, e.decks[deck].writeAheadBlocks.load());
             if (decks_[deck])
                 decks_[deck]->OnPrimed();
+            return 0;
+        case UWM_CREATE_DECK_BUFFERS:
+            if (!ValidDeck(wParam))
+                return 0;
+            sink_->CreateDeckBuffers(deck, lParam > 0 ? static_cast<int>(lParam) : 44100);
+            // New buffers carry no settings: the deck's tempo again (the
+            // deck recomputes and sends its frequency).
+            if (decks_[deck])
+                decks_[deck]->ApplyTempo();
+            if (onBuffersCreated)
+                onBuffersCreated(deck);
+            return 0;
+        case UWM_SET_FORWARD_FREQUENCY:
+            if (ValidDeck(wParam))
+                sink_->SetForwardFrequency(deck, static_cast<int>(lParam));
+            return 0;
+        case UWM_SET_FORWARD_POSITION:
+            if (ValidDeck(wParam))
+                sink_->SetForwardPosition(deck, static_cast<int>(lParam));
+            return 0;
+        case UWM_LATENCY_MAXIMUM:
+            if (buildingLayout_)
+                return 0;
+            for (int d = 0; d < 2; ++d) {
+                const int user = e.decks[d].latencyBlocks.load();
+                ApplyTarget(d, lParam == 0 ? targets_[d].RequestMaximum(user)
+                                           : targets_[d].WithdrawMaximum(user));
+            }
+            return 0;
+        case UWM_LATENCY_QUARTER: {
+            if (!ValidDeck(wParam) || buildingLayout_)
+                return 0;
+            const int user = e.decks[deck].latencyBlocks.load();
+            if (lParam == 0) {
+                if (!decks_[deck] || !decks_[deck]->HoldsLoop())
+                    ApplyTarget(deck, targets_[deck].RequestQuarter(user));
+            } else {
+                ApplyTarget(deck, targets_[deck].WithdrawQuarter(user));
+            }
+            return 0;
+        }
+        case UWM_ASSIGN_CD_DRIVE:
+            return ValidDeck(wParam) ? AssignDrive(deck, static_cast<int>(lParam)) : 0;
+        case UWM_SET_SOUND_DEVICE:
+            if (wParam == 0)
+                ChooseMainDevice(lParam != 0 ? StartupDeviceIdentifier() : std::string());
             return 0;
         case UWM_TICK:
             OnTick();

@@ -3,19 +3,26 @@
 // headphones mixer and the 3D graph, starts and stops the decks' notification
 // threads, and runs the mix step for each forward notification.
 //
-// This is the shell of the window: the messages that start and stop threads,
-// the mix step with its display pacing and the tick answer are handled here;
-// the block work goes to a MixStepSink (bound to the sound engine later) and
-// the controls come with the mixer itself. Closing the window ends the
-// program: it sends UWM_SHUTDOWN to the host.
+// It owns the main output device. The block work of the mix cycle goes to a
+// MixStepSink: normally its MixCycle on the main and headphones outputs,
+// in shell tests a counting stand-in. It also keeps each deck's write-ahead
+// target (latency overrides), which CD drive each deck holds, and answers
+// the decks' buffer, tempo and position requests. Closing the window ends
+// the program: it sends UWM_SHUTDOWN to the host.
 #pragma once
 
 #include <array>
+#include <functional>
+#include <optional>
+#include <string>
 
 #include "app/CRynWindow.h"
 #include "app/DisplayPacing.h"
 #include "app/NotifyThreads.h"
+#include "output/engine/CRynAudioOutput.h"
+#include "output/mixer/MixCycle.h"
 #include "output/mixer/MixStepSink.h"
+#include "output/mixer/WriteAheadTarget.h"
 
 class CRynDeck;
 class CRynHeadphonesMixer;
@@ -41,8 +48,32 @@ class CRynMainMixer : public CRynWindow {
     void SetLowResolution(bool low);
 
     // Where the block work of each step goes; not owned; null restores the
-    // sink that does nothing.
+    // mixer's own mix cycle on its devices.
     void SetMixStepSink(MixStepSink* sink);
+
+    CRynAudioOutput& MainOutput() { return mainOutput_; }
+    MixCycle& Cycle() { return cycle_; }
+    // The headphones output the cycle also writes to (null: none).
+    void SetHeadphonesOutput(CRynAudioOutput* output);
+
+    // Opens the main device: `identifier` as sound::OpenDevice knows it, ""
+    // for the disabled choice. The decks that rotate are stopped first.
+    void ChooseMainDevice(const std::string& identifier);
+    // The device chosen at start-up: MIXORA_SOUND_DEVICE, else the stored
+    // choice, else the system's default output, else the Null device.
+    static std::string StartupDeviceIdentifier();
+
+    // The end of the layout: from now on latency requests count, and each
+    // deck whose turntable plays no loop is put on a quarter.
+    void LayoutBuilt();
+    const WriteAheadTarget& Target(int deck) const { return targets_[deck]; }
+
+    // Called after a deck's buffers were rebuilt (the headphones mix and the
+    // deck's pans are applied again there).
+    std::function<void(int deck)> onBuffersCreated;
+
+    // The CD drive deck `deck` holds, -1 for none.
+    int DriveOf(int deck) const { return drives_[deck]; }
 
     // Shutdown: kills timers 1 to 8.
     void KillTimers();
@@ -67,6 +98,8 @@ class CRynMainMixer : public CRynWindow {
     void ReverseStep(int deck);
     void PaceDisplay();
     void StopDeck(int deck);
+    void ApplyTarget(int deck, std::optional<int> target);
+    LResult AssignDrive(int deck, int drive);
     void StopReverse(int deck);
     void OnTick();
     void OnOverloadLampChanged();
@@ -76,8 +109,13 @@ class CRynMainMixer : public CRynWindow {
     std::array<CRynDeck*, 2> decks_{};
     CRynHeadphonesMixer* headphones_ = nullptr;
     CRyn3DGraph* graph3d_ = nullptr;
-    NullMixStepSink nullSink_;
-    MixStepSink* sink_ = &nullSink_;
+    CRynAudioOutput mainOutput_;
+    MixCycle cycle_;
+    MixStepSink* sink_ = &cycle_;
+    std::array<WriteAheadTarget, 2> targets_{};
+    std::array<int, 2> drives_{-1, -1};
+    bool buildingLayout_ = true;
+    bool catchUp_ = false;  // while set, a mix step writes at most one block
     NotifyThreads notify_;
     DisplayPacing pacing_;
     int graphsUpdates_ = 0;

@@ -14,6 +14,18 @@ class MixStepSink {
     // reverse buffers of both devices.
     virtual void WriteDeckBlock(int deck) = 0;
 
+    // The whole mix step on a forward notification of deck `deck`; the
+    // catch-up switch limits it to one block. By default: one block.
+    virtual void MixStep(int deck, bool /*catchUp*/) { WriteDeckBlock(deck); }
+
+    // The deck's first blocks after a first fill (UWM_PRIME_DECK): its
+    // output stopped, then `blocks` blocks written.
+    virtual void Prime(int deck, int blocks) {
+        PlayForward(deck, false);
+        for (int i = 0; i < blocks; ++i)
+            WriteDeckBlock(deck);
+    }
+
     // The reverse step on UWM_REVERSE_NOTIFY.
     virtual void ReverseStep(int /*deck*/) {}
 
@@ -25,6 +37,12 @@ class MixStepSink {
     // Scratch buffer of `bytes` bytes created on both devices; ended again.
     virtual void CreateScratch(int /*deck*/, int /*bytes*/) {}
     virtual void EndScratch(int /*deck*/) {}
+
+    // New deck buffers at `rate` (UWM_CREATE_DECK_BUFFERS); tempo as the
+    // buffers' playback frequency; the forward play position in blocks.
+    virtual void CreateDeckBuffers(int /*deck*/, int /*rate*/) {}
+    virtual void SetForwardFrequency(int /*deck*/, int /*hz*/) {}
+    virtual void SetForwardPosition(int /*deck*/, int /*block*/) {}
 };
 
 // Does nothing: the mixer's sink until the sound engine is bound.

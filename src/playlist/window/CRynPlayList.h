@@ -3,6 +3,7 @@
 #pragma once
 
 #include "app/CRynWindow.h"
+#include "playlist/PlayList.h"
 
 class CRynPlayList : public CRynWindow {
     Q_OBJECT
@@ -12,6 +13,8 @@ class CRynPlayList : public CRynWindow {
     explicit CRynPlayList(QWidget* parent = nullptr);
 
     void Initialise(WindowHandle deckWindow, int deck);
+    // The deck's list: the entries the deck loads from.
+    PlayList& List() { return list_; }
     int DeckIndex() const { return deck_; }
     WindowHandle DeckWindow() const { return deckWindow_; }
 
@@ -27,4 +30,5 @@ class CRynPlayList : public CRynWindow {
     int deck_ = 0;
     WindowHandle deckWindow_ = 0;
     bool stopped_ = false;
+    PlayList list_;
 };

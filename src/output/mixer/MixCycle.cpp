@@ -1,0 +1,126 @@
+#include "output/mixer/MixCycle.h"
+
+#include <chrono>
+
+#include "deck/MixerDeck.h"
+#include "output/engine/CRynAudioOutput.h"
+
+namespace {
+
+double NowSeconds() {
+    using namespace std::chrono;
+    return duration<double>(steady_clock::now().time_since_epoch()).count();
+}
+
+bool ValidDeck(int deck) {
+    return deck == 0 || deck == 1;
+}
+
+}  // namespace
+
+void MixCycle::BindOutputs(CRynAudioOutput* main, CRynAudioOutput* headphones) {
+    main_ = main;
+    headphones_ = headphones;
+}
+
+void MixCycle::BindDeck(int deck, MixerDeck* mixerDeck) {
+    if (ValidDeck(deck))
+        decks_[deck] = mixerDeck;
+}
+
+template <typename F>
+void MixCycle::OnBoth(F&& f) {
+    if (main_)
+        f(*main_);
+    if (headphones_)
+        f(*headphones_);
+}
+
+void MixCycle::MixStep(int deck, bool catchUp) {
+    MixerDeck* d = ValidDeck(deck) ? decks_[deck] : nullptr;
+    if (!d || !main_ || !main_->IsForwardPlaying(deck))
+        return;
+    const int play = main_->ForwardPlayCursor(deck).bytes;
+    if (syncHeadphones)
+        syncHeadphones(deck, play, NowSeconds(), d->NominalRate());
+    d->NoteCursors(main_->ReversePlayCursor(deck).bytes, main_->ReverseWriteCursor(deck).bytes);
+    d->NoteForwardCursors(play, main_->ForwardWriteCursor(deck).bytes);
+
+    const int ahead = d->BlocksAhead();
+    const int target = Engine().decks[deck].writeAheadBlocks.load();
+    if (ahead > target)
+        return;
+    d->BlockFallsDue();
+    if (!d->IsTurning())
+        return;
+    WriteDeckBlock(deck);
+    if (ahead < target && !catchUp)
+        WriteDeckBlock(deck);
+}
+
+void MixCycle::ReverseStep(int deck) {
+    MixerDeck* d = ValidDeck(deck) ? decks_[deck] : nullptr;
+    if (!d || !main_)
+        return;
+    d->NoteCursors(main_->ReversePlayCursor(deck).bytes, main_->ReverseWriteCursor(deck).bytes);
+    if (!d->IsTurning())
+        return;
+    WriteDeckBlock(deck);
+    // Behind: fewer blocks ahead of the reverse cursor than the target.
+    if (d->BlocksAhead() < Engine().decks[deck].writeAheadBlocks.load())
+        WriteDeckBlock(deck);
+}
+
+void MixCycle::WriteDeckBlock(int deck) {
+    MixerDeck* d = ValidDeck(deck) ? decks_[deck] : nullptr;
+    if (!d || !main_)
+        return;
+    const int slot = main_->ForwardWriteCursor(deck).blocks;
+    if (d->FillBlock(slot, block_.data()) != 0)
+        return;
+    const bool reversed = d->IsReverse();
+    OnBoth([&](CRynAudioOutput& o) { o.WriteDeckBlock(deck, block_.data(), reversed); });
+    ++written_[deck];
+}
+
+void MixCycle::Prime(int deck, int blocks) {
+    PlayForward(deck, false);
+    for (int i = 0; i < blocks; ++i)
+        WriteDeckBlock(deck);
+}
+
+void MixCycle::PlayForward(int deck, bool play) {
+    OnBoth([&](CRynAudioOutput& o) { play ? o.PlayForward(deck) : o.StopForward(deck); });
+}
+
+void MixCycle::PlayReverse(int deck, bool play) {
+    OnBoth([&](CRynAudioOutput& o) { play ? o.PlayReverse(deck) : o.StopReverse(deck); });
+}
+
+void MixCycle::CreateScratch(int deck, int bytes) {
+    const int rate = Engine().decks[deck].outputFrequency.load();
+    OnBoth([&](CRynAudioOutput& o) { o.CreateScratch(deck, rate, bytes); });
+}
+
+void MixCycle::EndScratch(int deck) {
+    OnBoth([&](CRynAudioOutput& o) { o.EndScratch(deck); });
+}
+
+void MixCycle::CreateDeckBuffers(int deck, int rate) {
+    if (main_)
+        main_->CreateDeckBuffers(deck, rate, true);
+    if (headphones_)
+        headphones_->CreateDeckBuffers(deck, rate, false);
+    Engine().decks[deck].mainDeckRate.store(rate);
+}
+
+void MixCycle::SetForwardFrequency(int deck, int hz) {
+    OnBoth([&](CRynAudioOutput& o) {
+        o.SetForwardFrequency(deck, hz);
+        o.SetReverseFrequency(deck, hz);
+    });
+}
+
+void MixCycle::SetForwardPosition(int deck, int block) {
+    OnBoth([&](CRynAudioOutput& o) { o.SetForwardPosition(deck, block); });
+}

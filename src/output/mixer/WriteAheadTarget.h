@@ -1,0 +1,43 @@
+// How many blocks the mix cycle keeps written ahead of a deck's play cursor
+// (the deck's writeAheadBlocks, its effective equalizer latency). It is the
+// user's latency setting unless one of two overrides is requested: maximum
+// (the top of the latency range, while the program is busy elsewhere: the
+// mixer minimised, a file dialog or a drive change) or quarter (a quarter of
+// that top, while no equalizer window is active). The override requested
+// last wins; withdrawing it brings back the other if that is still
+// requested, else the user's setting as it stands then.
+//
+// Pure state, user-interface thread only. Resolve() answers the new target
+// only when a request or withdrawal changed it; moving the user's setting
+// alone never moves the target.
+#pragma once
+
+#include <optional>
+
+class WriteAheadTarget {
+  public:
+    // Top of the latency range in output notifications (blocks): 40 blocks
+    // are 1.07 s at 44100 Hz, the most a DJ would set for a slow machine.
+    static constexpr int kTopBlocks = 40;
+    static constexpr int kQuarterBlocks = kTopBlocks / 4;
+
+    enum class Override { None, Maximum, Quarter };
+
+    // Each answers the target to write into writeAheadBlocks, or nothing when
+    // the call changes no request.
+    std::optional<int> RequestMaximum(int userSetting);
+    std::optional<int> WithdrawMaximum(int userSetting);
+    std::optional<int> RequestQuarter(int userSetting);
+    std::optional<int> WithdrawQuarter(int userSetting);
+
+    Override Active() const;
+    bool MaximumRequested() const { return maximum_; }
+    bool QuarterRequested() const { return quarter_; }
+
+  private:
+    int Target(int userSetting) const;
+
+    bool maximum_ = false;
+    bool quarter_ = false;
+    Override last_ = Override::None;  // the one requested last
+};

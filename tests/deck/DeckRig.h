@@ -1,0 +1,69 @@
+// A whole playback chain for end-to-end tests: the main mixer on the
+// manual-clock Null device, two real decks with their disc buffers and file
+// decoders, and a host that takes the decks' host messages. Rendering a
+// block of the device runs the real mix cycle: the device's notification
+// wakes the notification thread, whose message the test thread serves.
+#pragma once
+
+#include <QString>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "app/AppMessages.h"
+#include "app/CRynWindow.h"
+#include "app/EngineState.h"
+
+class CRynDeck;
+class CRynMainMixer;
+
+namespace testsupport {
+
+// Writes a 16-bit stereo WAV file of `frames` frames at `rate`; the samples
+// come from `sample(frame, channel)`. Returns the interleaved samples.
+std::vector<std::int16_t> WriteWav(const QString& path, int rate, int frames,
+                                   std::int16_t (*sample)(int frame, int channel));
+
+// Pseudo-random full-scale noise, never 0 on frame 0.
+std::int16_t NoiseSample(int frame, int channel);
+
+class HostStandIn : public MessageSink {
+  public:
+    LResult OnAppMessage(Uwm msg, WParam w, LParam l) override;
+    std::vector<Uwm> got;
+};
+
+class PlaybackRig {
+  public:
+    // Resets the engine state, opens the manual Null device and creates the
+    // decks (deck B only when twoDecks).
+    explicit PlaybackRig(bool twoDecks = false);
+    ~PlaybackRig();
+
+    CRynMainMixer& Mixer() { return *mixer_; }
+    CRynDeck& Deck(int d) { return *decks_[d]; }
+
+    // Renders `blocks` device blocks (1176 frames each) into Output(); after
+    // each, serves the mix steps of the decks that play. False when a deck
+    // that plays took no step within its time.
+    bool RenderBlocks(int blocks);
+    // Renders until pred() or `maxBlocks` blocks have gone by.
+    bool RenderUntil(const std::function<bool()>& pred, int maxBlocks);
+    const std::vector<std::int16_t>& Output() const { return output_; }
+    void ClearOutput() { output_.clear(); }
+
+    // Loads the files on deck d, starts its turntable and waits for its
+    // output to be primed.
+    bool LoadAndPrime(int d, const QStringList& files);
+    // Drops the needle and waits until the deck's output plays.
+    bool Drop(int d);
+
+  private:
+    HostStandIn host_;
+    std::unique_ptr<CRynMainMixer> mixer_;
+    std::unique_ptr<CRynDeck> decks_[2];
+    std::vector<std::int16_t> output_;
+};
+
+}  // namespace testsupport
