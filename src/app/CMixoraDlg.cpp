@@ -19,6 +19,7 @@
 #include "app/ScreenMode.h"
 #include "app/ServiceThreads.h"
 #include "app/ShellLog.h"
+#include "controls/CNiButton.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
 #include "dsp/window/CRyn3DGraph.h"
@@ -26,6 +27,8 @@
 #include "output/mixer/CRynHeadphonesMixer.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "playlist/window/CRynPlayList.h"
+#include "settings/CRynSettings.h"
+#include "sources/CRynCdAudio.h"
 
 namespace {
 
@@ -114,6 +117,7 @@ CMixoraDlg::~CMixoraDlg() {
     graph3d_.reset();
     headphones_.reset();
     mainMixer_.reset();
+    cdAudio_.reset();
     if (layersUp_)
         layers_->ReleaseSound();
     UnregisterReceiver(handle_);
@@ -224,6 +228,11 @@ bool CMixoraDlg::StartUp() {
     Created(graph3d_.get());
     graph3d_->Initialise(mainMixer_->Handle());
 
+    // The one CD reader: its drives (and MIXORA_CD_IMAGES disc images) serve
+    // both decks, one deck a drive.
+    cdAudio_ = std::make_unique<CRynCdAudio>();
+    ShellLog(QStringLiteral("cd drives %1").arg(cdAudio_->DriveCount()));
+
     for (int d = 0; d < 2; ++d) {
         DeckSharedState& shared = e.decks[d];
         shared.deckInfoEvent->Set();  // created signalled
@@ -242,11 +251,22 @@ bool CMixoraDlg::StartUp() {
         playLists_[d]->Initialise(decks_[d]->Handle(), d);
         decks_[d]->Initialise(infos_[d].get(), equalizers_[d].get(), playLists_[d].get(),
                               mainMixer_->Handle(), d);
+        decks_[d]->SetCdAudio(cdAudio_.get());
     }
 
     mainMixer_->Initialise(handle_, decks_[0].get(), decks_[1].get(), headphones_.get(),
                            graph3d_.get());
     ShellLog(QStringLiteral("initialise CRynMainMixer"));
+    mainMixer_->SetHeadphonesOutput(&headphones_->Output());
+    const std::string device = CRynMainMixer::StartupDeviceIdentifier();
+    mainMixer_->ChooseMainDevice(device);
+    ShellLog(QStringLiteral("main device %1").arg(QString::fromStdString(device)));
+
+    // Each deck in its stored mode and time display.
+    for (int d = 0; d < 2; ++d) {
+        decks_[d]->SetDeckMode(Settings().GetDeckMode(d));
+        decks_[d]->SetTimeDisplayMode(Settings().GetTimeDisplayMode(d));
+    }
 
     const bool low = ChooseLowResolution(screen.width(), screen.height());
     mainMixer_->SetLowResolution(low);
@@ -263,6 +283,7 @@ bool CMixoraDlg::StartUp() {
     PlaceAndShowWindows(low);
     mainMixer_->activateWindow();
     mainMixer_->setFocus();
+    mainMixer_->LayoutBuilt();
     ShellLog(QStringLiteral("windows shown"));
 
     // The tip of the day comes with the help windows.
@@ -270,6 +291,11 @@ bool CMixoraDlg::StartUp() {
     const QStringList& files = CMixoraApp::CommandLineFiles();
     for (int d = 0; d < 2 && d < files.size(); ++d) {
         ShellLog(QStringLiteral("deck %1 file %2").arg(QChar('A' + d)).arg(files[d]));
+        // Files need File mode; the deck's list takes the file, which loads
+        // and starts turning (the needle stays up).
+        if (decks_[d]->ModeButton()->Caption() != QLatin1String("File"))
+            decks_[d]->SetDeckMode(1);
+        decks_[d]->OpenFiles({files[d]});
     }
 
     e.appInitialised.store(1);
@@ -538,6 +564,11 @@ void CMixoraDlg::Shutdown() {
     PumpAndPause();
 
     ShutdownStep(4, QStringLiteral("Killing COM."));
+    // Every device closes before the sound library goes.
+    if (mainMixer_)
+        mainMixer_->MainOutput().CloseDevice();
+    if (headphones_)
+        headphones_->Output().CloseDevice();
     if (layersUp_) {
         layers_->ReleaseSound();
         layersUp_ = false;
@@ -559,6 +590,7 @@ void CMixoraDlg::Shutdown() {
     graph3d_.reset();
     headphones_.reset();
     mainMixer_.reset();
+    cdAudio_.reset();
     Pause();
 
     // The graphs thread may still run (a deck's meters were on): it ends now.

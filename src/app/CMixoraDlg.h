@@ -21,6 +21,7 @@
 #include "app/PlatformLayers.h"
 #include "app/WorkerThread.h"
 
+class CRynCdAudio;
 class CRynMainMixer;
 class CRynHeadphonesMixer;
 class CRyn3DGraph;
@@ -114,6 +115,7 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
     bool shuttingDown_ = false;
 
     KeyForwarder keyForwarder_;
+    std::unique_ptr<CRynCdAudio> cdAudio_;
     std::unique_ptr<CRynMainMixer> mainMixer_;
     std::unique_ptr<CRynHeadphonesMixer> headphones_;
     std::unique_ptr<CRyn3DGraph> graph3d_;

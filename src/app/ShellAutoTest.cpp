@@ -7,6 +7,9 @@
 #include "app/CMixoraDlg.h"
 #include "app/EngineState.h"
 #include "app/PlatformLayers.h"
+#include "app/ShellLog.h"
+#include "controls/CNiButton.h"
+#include "deck/CRynDeck.h"
 #include "output/mixer/CRynMainMixer.h"
 
 namespace {
@@ -62,6 +65,17 @@ void ArmAutoTest(CMixoraDlg& host) {
         QTimer::singleShot(50, h, [h] {
             QCoreApplication::postEvent(
                 h, new QKeyEvent(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier));
+        });
+    } else if (script == QLatin1String("play-file")) {
+        // The file given on the command line plays on deck A for a while.
+        QTimer::singleShot(400, h, [h] { h->MainMixer()->Deck(0)->DropNeedle(); });
+        QTimer::singleShot(1600, h, [h] {
+            CRynDeck* deck = h->MainMixer()->Deck(0);
+            ShellLog(QStringLiteral("deck A track %1 elapsed %2 needle %3")
+                         .arg(deck->TrackNameText())
+                         .arg(deck->ElapsedSeconds(), 0, 'f', 1)
+                         .arg(deck->DropLiftButton()->Caption()));
+            h->MainMixer()->close();
         });
     } else if (script == QLatin1String("play-close")) {
         for (int d = 0; d < 2; ++d) {

@@ -4,6 +4,8 @@
 // program (partial builds without -DMIXORA_PROGRAM=ON).
 #include <gtest/gtest.h>
 
+#include "TestSupport.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QProcessEnvironment>
@@ -38,6 +40,7 @@ Outcome RunMixora(const QStringList& args, const QStringList& env) {
     e.insert("MIXORA_SHUTDOWN_PAUSE_MS", "10");
     e.insert("MIXORA_CONFIG_DIR", dir.path() + "/config");
     e.insert("MIXORA_DATA_DIR", dir.path() + "/data");
+    e.insert("MIXORA_SOUND_DEVICE", "null");
     for (const QString& kv : env)
         e.insert(kv.section('=', 0, 0), kv.section('=', 1));
 
@@ -144,6 +147,23 @@ TEST(ShellProcess, ClosingTheMainMixerShutsDownInOrder) {
     ExpectFullRun(o);
     EXPECT_EQ(Matching(o.log, "deck ").size(), 2);
     EXPECT_TRUE(Matching(o.log, "deck A file").value(0).endsWith("/deckA.wav"));
+}
+
+TEST(ShellProcess, AFileOnTheCommandLinePlaysOnDeckA) {
+    REQUIRE_PROGRAM();
+    const QString tone = testsupport::MakeTone("shell-tone.wav", 440, 5);
+    ASSERT_FALSE(tone.isEmpty());
+    const Outcome o = RunMixora({tone}, {"MIXORA_AUTOTEST=play-file"});
+    ExpectFullRun(o);
+    EXPECT_TRUE(o.log.contains("main device null"));
+    const QString line = Matching(o.log, "deck A track").value(0);
+    ASSERT_FALSE(line.isEmpty()) << o.log.join('\n').toStdString();
+    EXPECT_TRUE(line.startsWith("deck A track shell-tone elapsed")) << line.toStdString();
+    EXPECT_TRUE(line.endsWith("needle lift")) << line.toStdString();
+    // About a second of the file has been heard on the clocked Null device.
+    const double elapsed = line.section(' ', 5, 5).toDouble();
+    EXPECT_GT(elapsed, 0.5) << line.toStdString();
+    EXPECT_LT(elapsed, 3.0) << line.toStdString();
 }
 
 TEST(ShellProcess, EscOnTheHostAndPlayingDecksShutDownTheSameWay) {

@@ -7,6 +7,7 @@
 #include <array>
 
 #include "app/CRynWindow.h"
+#include "output/engine/CRynAudioOutput.h"
 
 class CRynHeadphonesMixer : public CRynWindow {
     Q_OBJECT
@@ -22,6 +23,9 @@ class CRynHeadphonesMixer : public CRynWindow {
     void SetDeckColours(int deck, const QColor& first, const QColor& second);
     QColor DeckColour(int deck, int which) const { return colours_[deck][which]; }
 
+    // The headphones output (no device until one is chosen for it).
+    CRynAudioOutput& Output() { return output_; }
+
   protected:
     // The close box hides the window and tells the main mixer.
     void closeEvent(QCloseEvent* event) override;
@@ -29,4 +33,5 @@ class CRynHeadphonesMixer : public CRynWindow {
   private:
     WindowHandle mainMixer_ = 0;
     std::array<std::array<QColor, 2>, 2> colours_{};
+    CRynAudioOutput output_;
 };
