@@ -13,6 +13,7 @@
 // the two apart: it stops its forward reader before loading or seeking.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 
@@ -57,8 +58,9 @@ class DeckSource : public DeckBlockSource {
     DeckSource& operator=(const DeckSource&) = delete;
 
     // --- Mode and drive ---
-    // kCdMode or kFileMode; also written to the deck's sourceType in the
-    // engine state and to the play list's mode.
+    // kCdMode or kFileMode (any other value is ignored); also written to the
+    // deck's sourceType in the engine state and to the play list's mode. The
+    // drive is the deck's to release (SelectDrive(-1)) when going to File.
     void SetMode(int mode);
     int Mode() const { return mode_; }
     CRynCdAudio* Cd() const { return cd_; }
@@ -66,11 +68,14 @@ class DeckSource : public DeckBlockSource {
     int Drive() const { return drive_; }
     // Takes `drive` (-1: none): the same drive as now changes nothing and
     // answers false; otherwise the old drive is closed, the new one opened
-    // (when not -1) and the answer is true.
+    // (when not -1) and the answer is true. A drive that fails to open is
+    // still held (FillListFromDisc then finds no disc). Without a CD reader
+    // only -1 is taken. Emptying the list for "no drive" is the deck's.
     bool SelectDrive(int drive);
     // CD mode: reads the disc's table of contents into the play list, one
-    // entry "Track n" per track with its length. False (list left empty)
-    // when there is no readable disc: "There is no CD in the Drive.".
+    // entry "Track n" per track (item number n) with its length in seconds.
+    // False (list left empty) when there is no drive or no readable disc:
+    // "There is no CD in the Drive.".
     bool FillListFromDisc();
     void SetErrorCorrection(bool on);
 
@@ -80,13 +85,15 @@ class DeckSource : public DeckBlockSource {
     // remembering its rate as PreviousRate(); the decoder's duration becomes
     // the entry's length. CD mode: the entry's item number must be an audio
     // track (DataTrack), which becomes the drive's current track.
+    // The position is the track's start; the deck's Reposition follows.
     LoadStatus LoadCurrent();
-    // The deck's Reposition: fraction clamped to 0 … 1. File mode: when the
-    // list's current path is not the decoder's file and `endPending` is false,
-    // the list's file is opened first. Then both modes seek.
+    // The deck's Reposition: fraction clamped to 0 … 1 (NaN: 0). File mode:
+    // when the list's current path is not the decoder's file and `endPending`
+    // is false, the list's file is opened first; so is the list's own file
+    // when the decoder closed itself at its end. Then both modes seek.
     void SeekFraction(double fraction, bool endPending);
     // Seconds into the current track, from the source's own position
-    // (decoder or drive).
+    // (decoder or drive); 0 without a source.
     double SourceSeconds() const;
     // Length of the list's current entry, seconds (0 when unknown).
     double TrackSeconds() const;
@@ -100,33 +107,55 @@ class DeckSource : public DeckBlockSource {
     // the reader thread while the deck window serves its messages). File mode:
     // opens the list's next file in the decoder (remembering the previous
     // rate) and answers whether it opened, so the decoder joins it into the
-    // same block. CD mode: answers false (the drive runs on by itself).
+    // same block; the next entry's length becomes the decoder's duration.
+    // CD mode: answers false (the drive runs on by itself). Answering 0 to a
+    // second end of track while one is pending is the deck's.
     bool OpenNextForJoin();
     // The end of the track has been heard: moves the list and tells the deck
-    // what to do (see EndHeard).
+    // what to do (see EndHeard). CD: a next entry that is the disc's next
+    // audio track runs on (the drive's track follows its address); any other
+    // next entry is LoadNext. File: the list moves on; when the decoder did
+    // not join that entry (its file was missing or refused) the answer is
+    // LoadNext, so the deck's LoadTrack shows why. Ended when nothing follows.
     EndHeard OnEndHeard();
 
     // --- DeckBlockSource (reader threads) ---
+    // File mode: the decoder's block (endOfStream at the end of the last
+    // joined file). CD mode: the drive's block; endOfStream stays false, the
+    // drive's end of track only informs (by message). 0, or 0x8000FFFF when
+    // there is no source to read.
     int ReadBlock(std::uint8_t* dest, bool* endOfStream) override;
+    // File mode only; a CD positions itself.
     void Rewind(int blocks) override;
     bool IsFileMode() const override { return mode_ == kFileMode; }
 
-    // Closes the decoder and releases the drive (shutdown).
+    // Closes the decoder and releases the drive (shutdown). The destructor
+    // touches neither: they may be gone by then.
     void Close();
 
-    // The fixed texts of the track name display.
+    // The fixed texts of the track name display. LoadFailureText: what the
+    // display shows after a failed load ("" for Ok, kNoTrack for NoEntry).
     static const char* LoadFailureText(LoadStatus status);
     static constexpr const char* kNoTrack = "No Track Is Loaded";
     static constexpr const char* kNoFile = "No File Is Loaded";
     static constexpr const char* kNoDrive = "No CD Drive Is Selected";
     static constexpr const char* kNoDisc = "There is no CD in the Drive.";
+    static constexpr const char* kFileMissing = "The file does not exist";
+    static constexpr const char* kDataTrack = "This is a data track.";
+    static constexpr const char* kCannotPlay = "This File Cannot Be Played";
 
   private:
+    // Opens `path` in the decoder, remembering its rate before as the
+    // previous rate; records the path on success (empty on failure).
+    bool OpenInDecoder(const std::string& path);
+
     int deck_;
     CRynFileDecoder& decoder_;
     PlayList& list_;
     CRynCdAudio* cd_;
-    int mode_ = kFileMode;
-    int drive_ = -1;
+    // Set on the window thread, read by the reader threads.
+    std::atomic<int> mode_{kFileMode};
+    std::atomic<int> drive_{-1};
     int previousRate_ = 44100;
+    std::string sourcePath_;  // the file the decoder last opened successfully
 };
