@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 
 #include "output/engine/OutputLaws.h"
 
@@ -282,6 +283,28 @@ SoundStatus CRynAudioOutput::SetMasterGain(int leftPercent, int rightPercent) {
         return kStatusNotInitialised;
     engine_->Device()->SetMasterGain(masterLeft_, masterRight_);
     return kStatusOk;
+}
+
+void CRynAudioOutput::SetCrossFaderCurve(float c) {
+    // Outside -1 … +1 the wedge would have no width; garbage reads as the ramp.
+    curveParameter_ = std::isfinite(c) ? std::clamp(c, -1.0f, 1.0f) : 0.0f;
+    crossFader_.SetCurve(curveParameter_);
+}
+
+SoundStatus CRynAudioOutput::ApplyCrossFader(float position, const float levels[2]) {
+    if (!std::isfinite(position))
+        position = 0.0f;
+    const int k = CrossFaderCurve::Index(static_cast<double>(position));
+    crossFaderIndex_ = k;
+    SoundStatus first = kStatusOk;
+    for (int deck = 0; deck < kDeckCount; ++deck) {
+        const float g = crossFader_.Table(deck)[k];
+        crossFaderGain_[deck] = g;
+        const SoundStatus s = SetDeckGain(deck, g * levels[deck]);
+        if (first == kStatusOk)
+            first = s;
+    }
+    return first;
 }
 
 SoundStatus CRynAudioOutput::SetForwardEffects(

@@ -24,6 +24,7 @@
 #include "app/AppMessages.h"
 #include "app/EngineState.h"
 #include "output/engine/CRynSoundEngine.h"
+#include "output/laws/CrossFaderCurve.h"
 #include "platform/sound/SoundStatus.h"
 
 class CRynAudioOutput {
@@ -123,6 +124,26 @@ class CRynAudioOutput {
     int MasterLeftPercent() const { return masterLeft_; }
     int MasterRightPercent() const { return masterRight_; }
 
+    // The cross fader. SetCrossFaderCurve builds the two 99-gain tables from
+    // the curve parameter c in -1 … +1 (-1 logarithmic, 0 ramp, +1 wedge);
+    // deck B's table is the base curve, deck A's the same reversed. It works
+    // without a device too: the tables are this output's own data.
+    void SetCrossFaderCurve(float c);
+    float CrossFaderCurveParameter() const { return curveParameter_; }
+    // Fader position x in -1 … +1 (-1 is all deck A) and the two deck levels
+    // 0 … 1: k = trunc((x + 1) · 0.5 · 98) mod 99; per deck (A, then B) the
+    // gain g = table[k] is remembered as CrossFaderGain and the deck gets
+    // SetDeckGain(g · level). Returns the first failure, else 0; without a
+    // device the gains are still remembered.
+    SoundStatus ApplyCrossFader(float position, const float levels[2]);
+    const std::array<float, CrossFaderCurve::kSteps>& CrossFaderTable(int deck) const {
+        return crossFader_.Table(Clamp(deck));
+    }
+    // The gain last taken from the deck's table (1.0 before the first apply).
+    float CrossFaderGain(int deck) const { return crossFaderGain_[Clamp(deck)]; }
+    // The table index of the last apply (-1 before the first).
+    int CrossFaderIndex() const { return crossFaderIndex_; }
+
     // The effect chain of the deck's forward buffer (empty: none).
     SoundStatus SetForwardEffects(int deck,
                                   std::vector<std::shared_ptr<sound::SoundEffect>> effects);
@@ -141,5 +162,9 @@ class CRynAudioOutput {
     std::array<double, kDeckCount> lastRateTime_{};
     int masterLeft_ = 100;
     int masterRight_ = 100;
-    PcmBlock reversed_{};  // work space of WriteDeckBlock
+    PcmBlock reversed_{};         // work space of WriteDeckBlock
+    CrossFaderCurve crossFader_;  // ramp until a curve is set
+    float curveParameter_ = 0.0f;
+    std::array<float, kDeckCount> crossFaderGain_{1.0f, 1.0f};
+    int crossFaderIndex_ = -1;
 };
