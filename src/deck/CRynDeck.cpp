@@ -11,7 +11,7 @@
 #include "deck/CRynDeckInfo.h"
 #include "deck/disc/CRynDiscBuffer.h"
 #include "deck/source/DeckSource.h"
-#include "deck/tempo/TempoLaw.h"
+#include "deck/tempo/DeckTempoPanel.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "playlist/PlayList.h"
 #include "playlist/window/CRynPlayList.h"
@@ -32,6 +32,7 @@ QLabel* MakeDisplay(QWidget* parent, int pointSize) {
     f.setFamily(QStringLiteral("Monospace"));
     label->setFont(f);
     label->setMargin(3);
+    label->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     return label;
 }
 
@@ -54,7 +55,7 @@ CNiButton* MakeLed(QWidget* parent, const QString& caption) {
 }  // namespace
 
 CRynDeck::CRynDeck(QWidget* parent) : CRynWindow("CRynDeck", kTemplateId, parent) {
-    resize(368, 420);
+    resize(520, 300);
     decoder_ = std::make_unique<CRynFileDecoder>();
     BuildControls();
 }
@@ -101,8 +102,9 @@ void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlay
         discLowLed_->SetValue(l.discBufferLow);
         readErrorLed_->SetValue(l.discReadError);
     });
-    for (CNiSlide* s : {progress_})
-        s->SetPointerColor(0, Colour(0));
+    progress_->SetPointerColor(0, Colour(0));
+    tempo_->Initialise(deck_);
+    tempo_->SetDeckColours(Colour(0), Colour(1));
     WireControls();
 }
 
@@ -206,6 +208,9 @@ void CRynDeck::BuildControls() {
     grid->addWidget(showPlayList_, 6, 2, 1, 2);
     grid->addWidget(showInfo_, 6, 4, 1, 2);
 
+    tempo_ = new DeckTempoPanel(this);
+    grid->addWidget(tempo_, 0, 6, 7, 1);
+
     // A deck starts stopped with its needle up and all transport disabled.
     SetTransportEnabled(false);
     direction_->setEnabled(false);
@@ -268,6 +273,10 @@ void CRynDeck::WireControls() {
     showToggle(showEqualizer_, [this] { return static_cast<QWidget*>(equalizer_); });
     showToggle(showPlayList_, [this] { return static_cast<QWidget*>(playList_); });
     showToggle(showInfo_, [this] { return static_cast<QWidget*>(info_); });
+    tempo_->baseRate = [this] { return Rate(); };
+    tempo_->onFrequency = [this](int hz) {
+        PostAppMessageRetry(mainMixer_, UWM_SET_FORWARD_FREQUENCY, deck_, hz);
+    };
 }
 
 void CRynDeck::SetTransportEnabled(bool on) {
@@ -330,13 +339,11 @@ void CRynDeck::CloseDecoder() {
 // ------------------------------------------------------------ tempo
 
 void CRynDeck::ApplyTempo() {
-    const int hz = tempo::OutputFrequency(Rate(), 0.0);
-    Engine().decks[deck_].outputFrequency.store(hz);
-    PostAppMessageRetry(mainMixer_, UWM_SET_FORWARD_FREQUENCY, deck_, hz);
+    tempo_->ApplyTempo();
 }
 
 double CRynDeck::NominalRate() const {
-    return tempo::NominalRate(0.0, 0.0);
+    return tempo_->NominalRate();
 }
 
 // ------------------------------------------------------------ mix cycle

@@ -78,6 +78,13 @@ PlaybackRig::PlaybackRig(bool twoDecks) {
         decks_[d]->Initialise(nullptr, nullptr, nullptr, mixer_->Handle(), d);
     }
     mixer_->Initialise(host_.Handle(), decks_[0].get(), decks_[1].get(), nullptr, nullptr);
+    // Unity for deck A: full levels, and the wedge curve gives the deck at
+    // the fader's end all of its level.
+    MainMixerPanel& panel = mixer_->Panel();
+    panel.SetLevel(0, 1.0f);
+    panel.SetLevel(1, 1.0f);
+    panel.SetCurveParameter(1.0f);
+    panel.SetCrossFader(-1.0f);
 }
 
 PlaybackRig::~PlaybackRig() {

@@ -2,6 +2,8 @@
 
 #include <QCloseEvent>
 #include <QDebug>
+#include <QThread>
+#include <QVBoxLayout>
 
 #include "app/EngineState.h"
 #include "app/WorkerThread.h"
@@ -13,7 +15,11 @@
 CRynMainMixer::CRynMainMixer(QWidget* parent)
     : CRynWindow("CRynMainMixer", kTemplateId, parent), notify_(Engine()) {
     setWindowTitle(QStringLiteral("Mixora"));
-    resize(288, 308);
+    panel_ = new MainMixerPanel(&mainOutput_, &Settings(), this);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(panel_);
+    resize(340, 300);
 }
 
 CRynMainMixer::~CRynMainMixer() {
@@ -32,6 +38,11 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
     graph3d_ = graph3d;
     Engine().mainMixerWindow = Handle();
     cycle_.BindOutputs(&mainOutput_, cycle_.Headphones());
+    for (int d = 0; d < 2; ++d) {
+        if (decks_[d])
+            panel_->SetDeckColours(d, decks_[d]->Colour(0), decks_[d]->Colour(1));
+    }
+    panel_->Initialise();
     for (int d = 0; d < 2; ++d) {
         cycle_.BindDeck(d, decks_[d]);
         // Until the layout asks for a quarter, each deck runs at its user's
@@ -79,14 +90,25 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
             decks_[d]->StopTurntable();
     }
     if (identifier.empty()) {
+        // The disabled choice: no device, the master controls at rest.
+        mainOutput_.ReleaseAll();
         mainOutput_.CloseDevice();
+        panel_->SetBalance(0.0f);
+        QThread::msleep(100);
+        panel_->SetVolume(0.0f);
+        panel_->SetMasterEnabled(false);
         return;
     }
+    panel_->SetMasterEnabled(true);
     if (mainOutput_.OpenDevice(identifier, identifier, Handle(), false) != 0) {
         qWarning("Mixora: the sound device %s could not be opened; playing silently.",
                  identifier.c_str());
         mainOutput_.OpenDevice(sound::kNullDeviceId, sound::kNullDeviceId, Handle(), false);
     }
+    // The volume slide shows the device's master level; balance to the centre.
+    panel_->SetVolume(static_cast<float>(
+        (mainOutput_.MasterLeftPercent() + mainOutput_.MasterRightPercent()) * 0.005));
+    panel_->SetBalance(0.0f);
 }
 
 void CRynMainMixer::LayoutBuilt() {
@@ -122,6 +144,8 @@ void CRynMainMixer::SetMixStepSink(MixStepSink* sink) {
 void CRynMainMixer::KillTimers() {
     for (int id = 1; id <= kTimerCount; ++id)
         KillWindowTimer(id);
+    panel_->SetAutoPan(false);
+    panel_->StopTimers();
 }
 
 void CRynMainMixer::closeEvent(QCloseEvent* event) {
@@ -136,7 +160,7 @@ void CRynMainMixer::closeEvent(QCloseEvent* event) {
 
 void CRynMainMixer::MixStep(int deck) {
     ++mixSteps_[deck];
-    sink_->MixStep(deck, catchUp_);
+    sink_->MixStep(deck, panel_->CatchUp());
     PaceDisplay();
 }
 
@@ -244,6 +268,7 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             sink_->CreateDeckBuffers(deck, lParam > 0 ? static_cast<int>(lParam) : 44100);
             // New buffers carry no settings: the deck's tempo again (the
             // deck recomputes and sends its frequency).
+            panel_->ApplyCrossFader();
             if (decks_[deck])
                 decks_[deck]->ApplyTempo();
             if (onBuffersCreated)

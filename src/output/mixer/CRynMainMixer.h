@@ -20,6 +20,7 @@
 #include "app/DisplayPacing.h"
 #include "app/NotifyThreads.h"
 #include "output/engine/CRynAudioOutput.h"
+#include "output/mixer/MainMixerPanel.h"
 #include "output/mixer/MixCycle.h"
 #include "output/mixer/MixStepSink.h"
 #include "output/mixer/WriteAheadTarget.h"
@@ -52,6 +53,8 @@ class CRynMainMixer : public CRynWindow {
     void SetMixStepSink(MixStepSink* sink);
 
     CRynAudioOutput& MainOutput() { return mainOutput_; }
+    // Deck levels, cross fader and curve, main volume and balance, auto-pan.
+    MainMixerPanel& Panel() { return *panel_; }
     MixCycle& Cycle() { return cycle_; }
     // The headphones output the cycle also writes to (null: none).
     void SetHeadphonesOutput(CRynAudioOutput* output);
@@ -115,7 +118,7 @@ class CRynMainMixer : public CRynWindow {
     std::array<WriteAheadTarget, 2> targets_{};
     std::array<int, 2> drives_{-1, -1};
     bool buildingLayout_ = true;
-    bool catchUp_ = false;  // while set, a mix step writes at most one block
+    MainMixerPanel* panel_ = nullptr;
     NotifyThreads notify_;
     DisplayPacing pacing_;
     int graphsUpdates_ = 0;

@@ -114,6 +114,13 @@ class MainMixerPanel : public QWidget {
 
     // Tests: run a timer's work now instead of waiting for it.
     void AutoPanTickForTest() { OnAutoPanTick(); }
+    // Shutdown: every timer of the panel stops (a waiting level save is kept
+    // for the destructor).
+    void StopTimers() {
+        catchUpTimer_.stop();
+        autoPanTimer_.stop();
+        reapplyTimer_.stop();
+    }
     void FireTimerForTest(int id);
     // Tests: whether a timer is running.
     bool TimerActive(int id) const;
