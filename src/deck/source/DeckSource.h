@@ -142,7 +142,7 @@ class DeckSource : public DeckBlockSource {
     static constexpr const char* kNoDisc = "There is no CD in the Drive.";
     static constexpr const char* kFileMissing = "The file does not exist";
     static constexpr const char* kDataTrack = "This is a data track.";
-    static constexpr const char* kCannotPlay = "This File Cannot Be Played";
+    static constexpr const char* kCannotPlay = "The file cannot be played";
 
   private:
     // Opens `path` in the decoder, remembering its rate before as the
