@@ -1,12 +1,92 @@
 #include "deck/CRynDeckInfo.h"
 
 #include <QCloseEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QVBoxLayout>
 
 #include "app/EngineState.h"
 #include "app/ServiceThreads.h"
+#include "controls/CNiButton.h"
+#include "controls/CNiGraph.h"
+#include "controls/CNiSlide.h"
+#include "controls/ControlLook.h"
+
+using namespace control_look;
+
+namespace {
+
+constexpr int kRing = DeckInfoStats::kRingBlocks;  // output ring, blocks
+const QColor kFlagColour(70, 190, 120);            // filled disc-buffer slots
+const QColor kLevelColour(60, 150, 215);
+const QColor kPlayColour(235, 200, 70);
+const QColor kWriteColour(225, 120, 60);
+const QColor kAheadColour(120, 200, 240);
+const QColor kLedOn(60, 230, 90);
+const QColor kLedOff(20, 70, 30);
+
+QLabel* Caption(const QString& text, QWidget* parent) {
+    auto* l = new QLabel(text, parent);
+    l->setStyleSheet(QStringLiteral("color: rgb(150,158,170); font-size: 9pt;"));
+    return l;
+}
+
+// A number beside a meter, wide enough for "170".
+QLabel* ReadOut(QWidget* parent) {
+    auto* l = new QLabel(QStringLiteral("0"), parent);
+    l->setStyleSheet(QStringLiteral("color: rgb(214,220,228); font-size: 9pt;"));
+    l->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    l->setFixedWidth(l->fontMetrics().horizontalAdvance(QStringLiteral("0000")));
+    return l;
+}
+
+// A meter: a slide whose one pointer is a bar from 0 the mouse cannot move.
+CNiSlide* Meter(Qt::Orientation o, double maximum, const QColor& colour, const QString& tip,
+                const QString& name, QWidget* parent) {
+    auto* m = new CNiSlide(o, parent);
+    m->SetAxis(0.0, maximum);
+    m->SetPointerStyle(0, CNiSlide::kFill);
+    m->SetPointerColor(0, colour);
+    m->SetPointerInteractive(0, false);
+    m->SetFillColor(QColor());
+    m->SetTickCount(o == Qt::Vertical ? 10 : 12);
+    m->SetValue(0.0);
+    m->setToolTip(tip);
+    m->setObjectName(name);
+    return m;
+}
+
+// A graph of one ring's fill flags: one bar per slot at x = 1..slots.
+CNiGraph* FlagsGraph(int slotCount, const QString& tip, const QString& name, QWidget* parent) {
+    auto* g = new CNiGraph(parent);
+    g->SetXRange(0.0, slotCount);
+    g->SetYRange(0.0, 1.0);
+    g->SetXIncrement(0.0, 1.0);
+    g->SetPlotStyle(0, CNiGraph::kBars);
+    g->SetPlotColor(0, kFlagColour);
+    g->SetGridLines(slotCount / 10, 1);
+    g->SetAxisLabelsVisible(true);
+    g->setToolTip(tip);
+    g->setObjectName(name);
+    return g;
+}
+
+CNiButton* ReadingLed(const QString& tip, const QString& name, QWidget* parent) {
+    auto* led = new CNiButton(parent);
+    led->SetStyle(CNiButton::kRoundLamp);
+    led->SetColors(kLedOn, kLedOff);
+    led->setFixedSize(16, 16);
+    led->setToolTip(tip);
+    led->setObjectName(name);
+    return led;
+}
+
+}  // namespace
 
 CRynDeckInfo::CRynDeckInfo(QWidget* parent) : CRynWindow("CRynDeckInfo", kTemplateId, parent) {
-    resize(368, 160);
+    BuildControls();
+    resize(520, 380);
 }
 
 CRynDeckInfo::~CRynDeckInfo() {
@@ -14,10 +94,109 @@ CRynDeckInfo::~CRynDeckInfo() {
     JoinThread();
 }
 
+void CRynDeckInfo::BuildControls() {
+    setAutoFillBackground(true);
+    QPalette pal = palette();
+    pal.setColor(QPalette::Window, PanelColor());
+    pal.setColor(QPalette::WindowText, TextColor());
+    setPalette(pal);
+
+    auto* grid = new QGridLayout(this);
+    grid->setContentsMargins(10, 8, 10, 10);
+    grid->setHorizontalSpacing(8);
+    grid->setVerticalSpacing(4);
+
+    // Disc buffers: a graph of the slots' flags, and beside it the level.
+    forwardGraph_ = FlagsGraph(DeckInfoStats::kForwardSlots, QStringLiteral("Disc Buffer Display"),
+                               QStringLiteral("discBufferDisplay"), this);
+    backwardGraph_ =
+        FlagsGraph(DeckInfoStats::kBackwardSlots, QStringLiteral("Backward Disc Buffer Display"),
+                   QStringLiteral("backwardDiscBufferDisplay"), this);
+    forwardLevel_ = Meter(Qt::Vertical, DeckInfoStats::kForwardSlots, kLevelColour,
+                          QStringLiteral("Disc Buffer Level Meter"),
+                          QStringLiteral("discBufferLevelMeter"), this);
+    backwardLevel_ = Meter(Qt::Vertical, DeckInfoStats::kBackwardSlots, kLevelColour,
+                           QStringLiteral("Backward Disc Buffer Level Meter"),
+                           QStringLiteral("backwardDiscBufferLevelMeter"), this);
+    forwardCountText_ = ReadOut(this);
+    backwardCountText_ = ReadOut(this);
+    for (CNiGraph* g : {forwardGraph_, backwardGraph_})
+        g->setMinimumSize(360, 90);
+    for (CNiSlide* m : {forwardLevel_, backwardLevel_})
+        m->setMinimumHeight(90);
+
+    int row = 0;
+    grid->addWidget(Caption(QStringLiteral("Forward disc buffer (170 blocks)"), this), row, 0);
+    grid->addWidget(forwardCountText_, row, 1);
+    grid->addWidget(forwardGraph_, ++row, 0);
+    grid->addWidget(forwardLevel_, row, 1, Qt::AlignHCenter);
+    grid->addWidget(Caption(QStringLiteral("Backward disc buffer (50 blocks)"), this), ++row, 0);
+    grid->addWidget(backwardCountText_, row, 1);
+    grid->addWidget(backwardGraph_, ++row, 0);
+    grid->addWidget(backwardLevel_, row, 1, Qt::AlignHCenter);
+    grid->setRowStretch(1, 1);
+    grid->setRowStretch(3, 1);
+
+    // Output ring positions, each a meter 0..120 with its number.
+    struct PositionSpec {
+        const char* caption;
+        const char* tip;
+        const char* name;
+        QColor colour;
+    };
+    const PositionSpec specs[kPositionMeters] = {
+        {"Forward read", "Forward Buffer Read Position", "forwardReadPosition", kPlayColour},
+        {"Forward write", "Forward Buffer Write Position", "forwardWritePosition", kWriteColour},
+        {"Blocks ahead", "Blocks Written Ahead", "blocksAheadMeter", kAheadColour},
+        {"Reverse play", "Backward Play Position Meter:", "backwardPlayPosition", kPlayColour},
+        {"Reverse write", "Backward Write Position Meter:", "backwardWritePosition", kWriteColour},
+    };
+    auto* positions = new QGridLayout;
+    positions->setHorizontalSpacing(8);
+    positions->setVerticalSpacing(0);
+    for (int i = 0; i < kPositionMeters; ++i) {
+        const PositionSpec& s = specs[i];
+        positionMeters_[i] = Meter(Qt::Horizontal, kRing, s.colour, QString::fromLatin1(s.tip),
+                                   QString::fromLatin1(s.name), this);
+        positionTexts_[i] = ReadOut(this);
+        positions->addWidget(Caption(QString::fromLatin1(s.caption), this), i, 0);
+        positions->addWidget(positionMeters_[i], i, 1);
+        positions->addWidget(positionTexts_[i], i, 2);
+    }
+    positions->setColumnStretch(1, 1);
+    grid->addWidget(Caption(QStringLiteral("Output ring positions (120 blocks)"), this), ++row, 0,
+                    1, 2);
+    grid->addLayout(positions, ++row, 0, 1, 2);
+
+    // The meters switch and the readers' lamps.
+    metersButton_ = new CNiButton(QStringLiteral("Meters off"), QStringLiteral("Meters on"), this);
+    metersButton_->SetStyle(CNiButton::kLedButton);
+    metersButton_->SetAction(CNiButton::kSwitchWhenPressed);
+    metersButton_->setToolTip(QStringLiteral("Turn On Deck Meters:"));
+    metersButton_->setObjectName(QStringLiteral("turnOnDeckMeters"));
+    forwardLed_ = ReadingLed(QStringLiteral("Forward disc reading is on:"),
+                             QStringLiteral("forwardDiscReading"), this);
+    backwardLed_ = ReadingLed(QStringLiteral("Backward disc reading is on:"),
+                              QStringLiteral("backwardDiscReading"), this);
+    auto* bottom = new QHBoxLayout;
+    bottom->setSpacing(6);
+    bottom->addWidget(metersButton_);
+    bottom->addStretch(1);
+    bottom->addWidget(forwardLed_);
+    bottom->addWidget(Caption(QStringLiteral("Forward reading"), this));
+    bottom->addSpacing(10);
+    bottom->addWidget(backwardLed_);
+    bottom->addWidget(Caption(QStringLiteral("Backward reading"), this));
+    grid->addLayout(bottom, ++row, 0, 1, 2);
+
+    connect(metersButton_, &CNiButton::valueChanged, this, [this](bool on) { MetersSwitched(on); });
+    PlotVectors();
+}
+
 void CRynDeckInfo::Initialise(WindowHandle deckWindow, int deck) {
     deckWindow_ = deckWindow;
     deck_ = deck == 1 ? 1 : 0;
-    setWindowTitle(QStringLiteral("Deck %1 Information").arg(QChar('A' + deck_)));
+    setWindowTitle(QStringLiteral("Deck %1 Info").arg(QChar('A' + deck_)));
 }
 
 void CRynDeckInfo::StopThread() {
@@ -27,9 +206,25 @@ void CRynDeckInfo::StopThread() {
 }
 
 void CRynDeckInfo::SetMetersOn(bool on) {
+    if (metersButton_->Value() != on)
+        metersButton_->SetValue(on);  // its value change applies it
+    else
+        MetersSwitched(on);
+}
+
+bool CRynDeckInfo::MetersOn() const {
+    return metersButton_->Value();
+}
+
+void CRynDeckInfo::MetersSwitched(bool on) {
     StopThread();
-    if (!on)
+    if (!on) {
+        ShowPositions(0, 0, 0, 0, 0);
+        stats_.ClearBackwardVector();
+        PlotVectors();
+        ShowLevels(0, 0);
         return;
+    }
     JoinThread();
     SharedEngineState& e = Engine();
     e.decks[deck_].deckInfoThreadRun.store(1);
@@ -52,10 +247,55 @@ void CRynDeckInfo::JoinThread() {
 
 void CRynDeckInfo::Refresh() {
     ++refreshes_;
+    if (!metersButton_->Value())
+        return;
+    const DeckSharedState& d = Engine().decks[deck_];
+    forwardLed_->SetValue(d.forwardReaderRun.load() != 0);
+    backwardLed_->SetValue(d.backwardReaderRun.load() != 0);
+    ShowPositions(stats_.ForwardPlaySlot(), stats_.ForwardWriteSlot(), stats_.BlocksAhead(),
+                  stats_.ReversePlaySlot(), stats_.ReverseWriteSlot());
+    PlotVectors();
+    ShowLevels(stats_.ForwardCount(), stats_.BackwardCount());
+}
+
+bool CRynDeckInfo::BackwardReadingOn() const {
+    return backwardLed_->Value();
+}
+
+bool CRynDeckInfo::ForwardReadingOn() const {
+    return forwardLed_->Value();
+}
+
+void CRynDeckInfo::ShowPositions(int forwardRead, int forwardWrite, int ahead, int reversePlay,
+                                 int reverseWrite) {
+    const int values[kPositionMeters] = {forwardRead, forwardWrite, ahead, reversePlay,
+                                         reverseWrite};
+    for (int i = 0; i < kPositionMeters; ++i) {
+        positionMeters_[i]->SetValue(values[i]);
+        positionTexts_[i]->setText(QString::number(values[i]));
+    }
+}
+
+void CRynDeckInfo::ShowLevels(int forwardCount, int backwardCount) {
+    forwardLevel_->SetValue(forwardCount);
+    backwardLevel_->SetValue(backwardCount);
+    forwardCountText_->setText(QString::number(forwardCount));
+    backwardCountText_->setText(QString::number(backwardCount));
+}
+
+void CRynDeckInfo::PlotVectors() {
+    const auto& f = stats_.ForwardVector();
+    for (std::size_t i = 0; i < f.size(); ++i)
+        forwardPlot_[i] = f[i];
+    const auto& b = stats_.BackwardVector();
+    for (std::size_t i = 0; i < b.size(); ++i)
+        backwardPlot_[i] = b[i];
+    forwardGraph_->PlotY(0, std::span<const double>(forwardPlot_));
+    backwardGraph_->PlotY(0, std::span<const double>(backwardPlot_));
 }
 
 void CRynDeckInfo::closeEvent(QCloseEvent* event) {
     event->ignore();
+    SendAppMessage(deckWindow_, UWM_WINDOW_CLOSED, kTemplateId, 0);
     hide();
-    PostAppMessageRetry(deckWindow_, UWM_WINDOW_CLOSED, kTemplateId, deck_);
 }

@@ -1,5 +1,7 @@
 #include "deck/disc/DeckInfoStats.h"
 
+#include <algorithm>
+
 void DeckInfoStats::HandInForwardFlags(
     const std::array<std::atomic<std::int32_t>, kForwardSlots>& flags) {
     int count = 0;
@@ -54,4 +56,10 @@ void DeckInfoStats::SetReversePositions(int playSlot, int writeSlot, int latency
     reverseWrite_ = writeSlot;
     blocksAhead_ = BlocksAheadOf(playSlot, writeSlot);
     freshDataLow_ = IsFreshDataLow(blocksAhead_, latencyBlocks);
+}
+
+void DeckInfoStats::SetPlatterPositions(int angleBlocks) {
+    const int angle = std::clamp(angleBlocks, 0, kRingBlocks);
+    forwardPlay_ = angle;
+    reversePlay_ = kRingBlocks - angle;
 }

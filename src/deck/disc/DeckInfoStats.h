@@ -23,6 +23,10 @@ class DeckInfoStats {
     void SetForwardPositions(int playSlot, int writeSlot, int latencyBlocks,
                              std::atomic<std::int32_t>* blocksAheadCopy);
     void SetReversePositions(int playSlot, int writeSlot, int latencyBlocks);
+    // While the platter is dragged: the platter angle in blocks (0..120,
+    // held there) becomes the forward play slot and 120 - angle the reverse
+    // play slot. Write slots, blocks ahead and fresh data low stay as they were.
+    void SetPlatterPositions(int angleBlocks);
 
     int ForwardCount() const { return forwardCount_; }
     int BackwardCount() const { return backwardCount_; }
