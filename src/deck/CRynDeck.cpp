@@ -92,7 +92,7 @@ void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlay
     if (!playList_)
         ownList_ = std::make_unique<PlayList>();
     source_ = std::make_unique<DeckSource>(deck_, *decoder_, List(), cd_);
-    disc_ = std::make_unique<CRynDiscBuffer>(deck_, ownStats_);
+    disc_ = std::make_unique<CRynDiscBuffer>(deck_, Stats());
     disc_->SetSource(source_.get());
     disc_->SetStreamRate([this] { return Rate(); });
     disc_->SetLedsChanged([this] {
@@ -116,6 +116,10 @@ void CRynDeck::SetCdAudio(CRynCdAudio* cd) {
         source_ = std::make_unique<DeckSource>(deck_, *decoder_, List(), cd_);
         disc_->SetSource(source_.get());
     }
+}
+
+DeckInfoStats& CRynDeck::Stats() {
+    return info_ ? info_->Stats() : ownStats_;
 }
 
 PlayList& CRynDeck::List() {

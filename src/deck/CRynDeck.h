@@ -197,7 +197,9 @@ class CRynDeck : public CRynWindow, public MixerDeck {
     void DriveReopenTick();
     int Rate() const;
     void FocusHost();
-    DeckInfoStats& Stats() { return ownStats_; }
+    // The buffer statistics: the information window's, or the deck's own
+    // when it has none.
+    DeckInfoStats& Stats();
 
     int deck_ = 0;
     WindowHandle mainMixer_ = 0;
