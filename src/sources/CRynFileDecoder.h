@@ -121,9 +121,11 @@ class CRynFileDecoder {
 
     // Byte position = anchorBytes_ + framesSinceAnchor_ in 176400-a-second
     // bytes (exact at 44100 Hz: 4 bytes a frame).
-    std::int64_t anchorBytes_ = 0;
-    std::int64_t framesSinceAnchor_ = 0;
-    std::int64_t streamFrame_ = 0;
+    // Advanced by the reader thread, read by the deck window's progress
+    // display while the reader runs.
+    std::atomic<std::int64_t> anchorBytes_{0};
+    std::atomic<std::int64_t> framesSinceAnchor_{0};
+    std::atomic<std::int64_t> streamFrame_{0};
 
     std::unique_ptr<media::MediaSource> source_;
     bool open_ = false;
