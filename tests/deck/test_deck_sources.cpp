@@ -10,7 +10,6 @@
 #include "controls/CNiButton.h"
 #include "deck/CRynDeck.h"
 #include "output/mixer/CRynMainMixer.h"
-#include "platform/cd/LibCdioBackend.h"
 #include "playlist/PlayList.h"
 #include "sources/CRynCdAudio.h"
 #include "sources/CdImageFixture.h"
@@ -79,10 +78,8 @@ TEST(DeckSources, EjectOpensTheFileDialogAndPlaysTheFirstChosenFile) {
 TEST(DeckSources, ModesAndADriveServesOneDeckAtATime) {
     const testsupport::CdImage image = testsupport::MakeCdImage("deck-drives");
     ASSERT_TRUE(image.ok);
-    qputenv("MIXORA_CD_IMAGES", image.cuePath.toUtf8());
-    CRynCdAudio reader(std::make_unique<cd::LibCdioBackend>(),
-                       std::make_unique<testsupport::CdTestClock>());
-    qunsetenv("MIXORA_CD_IMAGES");
+    const std::unique_ptr<CRynCdAudio> owned = testsupport::MakeImageReader(image);
+    CRynCdAudio& reader = *owned;
 
     PlaybackRig rig(true);
     CRynDeck& a = rig.Deck(0);

@@ -15,7 +15,6 @@
 #include "deck/CRynDeck.h"
 #include "deck/disc/CRynDiscBuffer.h"
 #include "output/mixer/CRynMainMixer.h"
-#include "platform/cd/LibCdioBackend.h"
 #include "playlist/PlayList.h"
 #include "sources/CRynCdAudio.h"
 #include "sources/CdImageFixture.h"
@@ -167,10 +166,8 @@ TEST(DeckTracks, WindTimeDisplayAndMissingFiles) {
 TEST(DeckTracks, ACdImagePlaysTrackOneIntoTrackTwoWithoutAGap) {
     const testsupport::CdImage image = testsupport::MakeCdImage("deck-cd");
     ASSERT_TRUE(image.ok);
-    qputenv("MIXORA_CD_IMAGES", image.cuePath.toUtf8());
-    CRynCdAudio reader(std::make_unique<cd::LibCdioBackend>(),
-                       std::make_unique<testsupport::CdTestClock>());
-    qunsetenv("MIXORA_CD_IMAGES");
+    const std::unique_ptr<CRynCdAudio> owned = testsupport::MakeImageReader(image);
+    CRynCdAudio& reader = *owned;
 
     PlaybackRig rig;
     CRynDeck& deck = rig.Deck(0);

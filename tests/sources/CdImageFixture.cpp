@@ -6,6 +6,8 @@
 #include <numbers>
 
 #include "TestSupport.h"
+#include "platform/cd/LibCdioBackend.h"
+#include "sources/CRynCdAudio.h"
 
 namespace testsupport {
 
@@ -112,6 +114,14 @@ CdImage MakeCdImage(const QString& name, const std::vector<CdImageTrack>& tracks
                                               static_cast<qsizetype>(image.bin.size()))) &&
                Save(image.cuePath, cue.toUtf8());
     return image;
+}
+
+std::unique_ptr<CRynCdAudio> MakeImageReader(const CdImage& image) {
+    qputenv("MIXORA_CD_IMAGES", image.cuePath.toUtf8());
+    auto reader = std::make_unique<CRynCdAudio>(std::make_unique<cd::LibCdioBackend>(),
+                                                std::make_unique<CdTestClock>());
+    qunsetenv("MIXORA_CD_IMAGES");
+    return reader;
 }
 
 }  // namespace testsupport

@@ -11,10 +11,13 @@
 
 #include <QString>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <vector>
 
 #include "sources/CRynCdAudioClock.h"
+
+class CRynCdAudio;
 
 namespace testsupport {
 
@@ -50,6 +53,10 @@ std::vector<CdImageTrack> DefaultCdTracks();
 // CUE, as libcdio expects) and returns them with their contents.
 CdImage MakeCdImage(const QString& name = QStringLiteral("mixora-cd"),
                     const std::vector<CdImageTrack>& tracks = DefaultCdTracks());
+
+// A CD reader on the real libcdio layer that sees `image` (and only it) as a
+// drive, on a CdTestClock.
+std::unique_ptr<CRynCdAudio> MakeImageReader(const CdImage& image);
 
 // A clock for CRynCdAudio that never waits: sleeping moves its time on.
 // Counts the sleeps (1 ms each for pacing and retries). Thread-safe.
