@@ -55,7 +55,7 @@ CNiButton* MakeLed(QWidget* parent, const QString& caption) {
 }  // namespace
 
 CRynDeck::CRynDeck(QWidget* parent) : CRynWindow("CRynDeck", kTemplateId, parent) {
-    resize(520, 300);
+    resize(560, 330);
     decoder_ = std::make_unique<CRynFileDecoder>();
     BuildControls();
 }
@@ -208,9 +208,12 @@ void CRynDeck::BuildControls() {
         new CNiButton(QStringLiteral("Show Deck Info:"), QStringLiteral("Show Deck Info:"), this);
     for (CNiButton* b : {showEqualizer_, showPlayList_, showInfo_})
         b->SetStyle(CNiButton::kLedButton);
-    grid->addWidget(showEqualizer_, 6, 0, 1, 2);
-    grid->addWidget(showPlayList_, 6, 2, 1, 2);
-    grid->addWidget(showInfo_, 6, 4, 1, 2);
+    auto* toggles = new QHBoxLayout;
+    for (CNiButton* b : {showEqualizer_, showPlayList_, showInfo_}) {
+        b->setMinimumWidth(b->fontMetrics().horizontalAdvance(b->Caption()) + 34);
+        toggles->addWidget(b);
+    }
+    grid->addLayout(toggles, 7, 0, 1, 7);
 
     tempo_ = new DeckTempoPanel(this);
     grid->addWidget(tempo_, 0, 6, 7, 1);

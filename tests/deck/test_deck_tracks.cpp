@@ -212,7 +212,7 @@ TEST(DeckTracks, ACdImagePlaysTrackOneIntoTrackTwoWithoutAGap) {
 TEST(DeckTracks, TheDeckWindowRendersToAPicture) {
     PlaybackRig rig;
     CRynDeck& deck = rig.Deck(0);
-    deck.resize(520, 300);
+    deck.resize(560, 330);
     deck.List().Add("/music/Some Artist - A Track.mp3", "Some Artist - A Track", 185.7f, 0);
     deck.List().LoadIndex(0);
     deck.RefreshTrackInfo();
