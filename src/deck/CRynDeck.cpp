@@ -333,9 +333,15 @@ void CRynDeck::FocusHost() {
 
 void CRynDeck::Shutdown() {
     Engine().decks[deck_].isPlaying.store(0);
+    // The deck's windows go before the deck itself: nothing may tick on.
+    for (int id : {kBlinkTimer, kRedropTimer, kDriveReopenTimer, kCdStartTimer, kWindTimer,
+                   kProgressTimer, kTimeTimer, kFileDialogTimer, kTurntableTimer})
+        KillWindowTimer(id);
     if (disc_) {
         disc_->SetRunning(false);
         disc_->StopForwardReader();
+        disc_->StopBackwardReader();
+        disc_->JoinBackwardReader();
     }
 }
 

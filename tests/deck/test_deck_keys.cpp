@@ -4,6 +4,7 @@
 
 #include <QLineEdit>
 #include <QTest>
+#include <memory>
 #include <vector>
 
 #include "TestSupport.h"
@@ -39,7 +40,8 @@ TEST(DeckWindow, KeysReachTheHostAsKeyDownAndKeyUp) {
     KeyForwarder forwarder;
     forwarder.Install();
 
-    CRynDeck deck;
+    auto owned = std::make_unique<CRynDeck>();
+    CRynDeck& deck = *owned;
     deck.Initialise(nullptr, nullptr, nullptr, 0, 0);
     EXPECT_EQ(Engine().decks[0].deckWindow, deck.Handle());
     auto* search = new QLineEdit(&deck);  // a text field inside the deck
@@ -70,6 +72,7 @@ TEST(DeckWindow, KeysReachTheHostAsKeyDownAndKeyUp) {
     QTest::keyClick(&other, Qt::Key_Home);
     PumpMessages(3);
     EXPECT_TRUE(host.got.empty());
+    owned.reset();  // the deck lets go of its engine state first
     ResetEngineStateForTest();
 }
 
