@@ -312,24 +312,22 @@ SoundStatus CRynSoundEngine::EndScratch(int deck) {
     return d.forward->Play(true);
 }
 
-SoundStatus CRynSoundEngine::SetDeckVolume(int deck, std::int32_t volume) {
+template <typename Set>
+SoundStatus CRynSoundEngine::SetOnDeckBuffers(int deck, Set set) {
     if (!ValidDeck(deck))
         return kStatusNotInitialised;
     DeckBuffers& d = decks_[deck];
     SoundStatus s = kStatusNotInitialised;
     for (SoundBuffer* b : {d.forward.get(), d.reverse.get(), d.scratch.get()})
         if (b)
-            s = b->SetVolume(volume);
+            s = set(*b);
     return s;
 }
 
+SoundStatus CRynSoundEngine::SetDeckVolume(int deck, std::int32_t volume) {
+    return SetOnDeckBuffers(deck, [volume](SoundBuffer& b) { return b.SetVolume(volume); });
+}
+
 SoundStatus CRynSoundEngine::SetDeckDevicePan(int deck, std::int32_t pan) {
-    if (!ValidDeck(deck))
-        return kStatusNotInitialised;
-    DeckBuffers& d = decks_[deck];
-    SoundStatus s = kStatusNotInitialised;
-    for (SoundBuffer* b : {d.forward.get(), d.reverse.get(), d.scratch.get()})
-        if (b)
-            s = b->SetPan(pan);
-    return s;
+    return SetOnDeckBuffers(deck, [pan](SoundBuffer& b) { return b.SetPan(pan); });
 }

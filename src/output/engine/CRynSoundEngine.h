@@ -95,6 +95,10 @@ class CRynSoundEngine {
     static SoundStatus FadeOut(sound::SoundBuffer* buffer);
 
   private:
+    // The same setting on the deck's forward, reverse and scratch buffers;
+    // the status of the last buffer set.
+    template <typename Set>
+    SoundStatus SetOnDeckBuffers(int deck, Set set);
     static SoundStatus WriteBlock(sound::SoundBuffer* buffer, int* cursor, int delta,
                                   const std::uint8_t* block);
 
