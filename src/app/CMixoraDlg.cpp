@@ -579,11 +579,14 @@ void CMixoraDlg::Shutdown() {
     for (int d = 0; d < 2; ++d) {
         infos_[d].reset();
         equalizers_[d].reset();
-        playLists_[d].reset();
     }
-    PumpAndPause();
+    // A deck reads its play list's entries (its progress timer runs until
+    // the deck goes), so the decks go before the play list windows.
     for (auto& deck : decks_)
         deck.reset();
+    PumpAndPause();
+    for (auto& list : playLists_)
+        list.reset();
     PumpAndPause();
 
     ShutdownStep(0, QStringLiteral("Destroying Mixer"));

@@ -9,6 +9,7 @@
 
 #include "app/CRynWindow.h"
 #include "app/EngineState.h"
+#include "app/TsanAnnotations.h"
 #include "app/VirtualKeys.h"
 
 KeyForwarder::KeyForwarder(WindowHandle host, QObject* parent) : QObject(parent), host_(host) {}
@@ -28,6 +29,9 @@ void KeyForwarder::Uninstall() {
 }
 
 bool KeyForwarder::eventFilter(QObject* watched, QEvent* event) {
+    // Every event passes here first, application messages posted by other
+    // threads too: take the poster's hand-over before reading the event.
+    MIXORA_HANDOVER_ACQUIRE(event);
     const QEvent::Type type = event->type();
     if (type != QEvent::KeyPress && type != QEvent::KeyRelease)
         return false;

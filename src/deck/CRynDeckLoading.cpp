@@ -23,9 +23,19 @@ constexpr int kNoDriveItem = 0;
 }
 
 int CRynDeck::LoadTrack() {
+    // The forward reader reads the decoder on its own thread: it must have
+    // ended before the decoder closes and opens the next file. Reposition
+    // below starts it again while the turntable turns.
+    disc_->SetRunning(false);
+    disc_->StopForwardReader();
     const DeckSource::LoadStatus status = source_->LoadCurrent();
     if (status != DeckSource::LoadStatus::Ok) {
         SetTrackName(QString::fromUtf8(DeckSource::LoadFailureText(status)));
+        // A turning turntable keeps reading whatever the source now holds.
+        if (Rotating()) {
+            lastPlayCursor_ = -1;
+            disc_->StartForwardReader();
+        }
         return -1;
     }
     progressFollowsPlay_ = false;
