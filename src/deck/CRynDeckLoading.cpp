@@ -28,6 +28,8 @@ int CRynDeck::LoadTrack() {
     // below starts it again while the turntable turns.
     disc_->SetRunning(false);
     disc_->StopForwardReader();
+    disc_->StopBackwardReader();
+    disc_->JoinBackwardReader();
     const DeckSource::LoadStatus status = source_->LoadCurrent();
     if (status != DeckSource::LoadStatus::Ok) {
         SetTrackName(QString::fromUtf8(DeckSource::LoadFailureText(status)));
