@@ -127,9 +127,11 @@ void CRynDeck::OnEndHeard() {
 // ------------------------------------------------------------ eject
 
 QString CRynDeck::FileDialogFilter() {
-    return QStringLiteral(
-        "Files (*.wav *.mp3 *.wma *.ogg *.flac *.opus *.oga *.m4a *.aac);;"
-        "All Files (*)");
+    // "Files (...)" over every extension the decoder takes, then all files.
+    QString patterns;
+    for (std::string_view ext : audioformats::kExtensions)
+        patterns += (patterns.isEmpty() ? "*" : " *") + QString::fromLatin1(ext.data(), ext.size());
+    return QStringLiteral("Files (%1);;All Files (*)").arg(patterns);
 }
 
 void CRynDeck::Eject() {
