@@ -5,6 +5,9 @@
 #include <QString>
 #include <QStringList>
 #include <functional>
+#include <vector>
+
+#include "app/CRynWindow.h"
 
 namespace testsupport {
 
@@ -19,6 +22,29 @@ QString FixtureDir();
 // arguments (codec, sample format). Returns its path, or empty on failure.
 QString MakeTone(const QString& name, double frequency, double seconds, int rate = 44100,
                  int channels = 2, const QStringList& codecArgs = {});
+
+// A receiver that records every application message it gets, on the thread
+// it was created on, and answers with onMessage's result (0 when unset).
+class MessageLog : public MessageSink {
+  public:
+    struct Message {
+        Uwm msg;
+        WParam w;
+        LParam l;
+    };
+    LResult OnAppMessage(Uwm msg, WParam w, LParam l) override {
+        got.push_back({msg, w, l});
+        return onMessage ? onMessage(msg, w, l) : 0;
+    }
+    int Count(Uwm msg) const {
+        int n = 0;
+        for (const Message& m : got)
+            n += m.msg == msg;
+        return n;
+    }
+    std::vector<Message> got;
+    std::function<LResult(Uwm, WParam, LParam)> onMessage;
+};
 
 // Pumps the Qt event loop until pred() or timeoutMs passes; returns pred().
 bool WaitFor(const std::function<bool()>& pred, int timeoutMs = 5000);

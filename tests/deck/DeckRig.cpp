@@ -62,11 +62,6 @@ std::int16_t NoiseSample(int frame, int channel) {
     return v == 0 ? std::int16_t(1) : v;
 }
 
-LResult HostStandIn::OnAppMessage(Uwm msg, WParam, LParam) {
-    got.push_back(msg);
-    return 0;
-}
-
 PlaybackRig::PlaybackRig(bool twoDecks) {
     ResetEngineStateForTest();
     Engine().mainDialogWindow = host_.Handle();

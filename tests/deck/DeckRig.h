@@ -11,6 +11,7 @@
 #include <memory>
 #include <vector>
 
+#include "TestSupport.h"
 #include "app/AppMessages.h"
 #include "app/CRynWindow.h"
 #include "app/EngineState.h"
@@ -27,12 +28,6 @@ std::vector<std::int16_t> WriteWav(const QString& path, int rate, int frames,
 
 // Pseudo-random full-scale noise, never 0 on frame 0.
 std::int16_t NoiseSample(int frame, int channel);
-
-class HostStandIn : public MessageSink {
-  public:
-    LResult OnAppMessage(Uwm msg, WParam w, LParam l) override;
-    std::vector<Uwm> got;
-};
 
 class PlaybackRig {
   public:
@@ -60,7 +55,7 @@ class PlaybackRig {
     bool Drop(int d);
 
   private:
-    HostStandIn host_;
+    MessageLog host_;
     std::unique_ptr<CRynMainMixer> mixer_;
     std::unique_ptr<CRynDeck> decks_[2];
     std::vector<std::int16_t> output_;

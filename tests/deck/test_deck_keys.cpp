@@ -16,26 +16,13 @@
 
 namespace {
 
-struct Message {
-    Uwm msg;
-    WParam w;
-    LParam l;
-};
-
-class Recorder : public MessageSink {
-  public:
-    LResult OnAppMessage(Uwm msg, WParam w, LParam l) override {
-        got.push_back({msg, w, l});
-        return 0;
-    }
-    std::vector<Message> got;
-};
+using Message = testsupport::MessageLog::Message;
 
 }  // namespace
 
 TEST(DeckWindow, KeysReachTheHostAsKeyDownAndKeyUp) {
     ResetEngineStateForTest();
-    Recorder host;
+    testsupport::MessageLog host;
     Engine().mainDialogWindow = host.Handle();
     KeyForwarder forwarder;
     forwarder.Install();
@@ -78,7 +65,7 @@ TEST(DeckWindow, KeysReachTheHostAsKeyDownAndKeyUp) {
 
 TEST(DeckInfoWindow, MetersSwitchStartsAndStopsItsThread) {
     ResetEngineStateForTest();
-    Recorder mixer;
+    testsupport::MessageLog mixer;
     Engine().mainMixerWindow = mixer.Handle();
     {
         CRynDeckInfo info;

@@ -23,26 +23,6 @@
 
 namespace {
 
-struct Message {
-    Uwm msg;
-    WParam w;
-    LParam l;
-};
-
-// Stands in for the main mixer (which answers UWM_DECK_INFO_UPDATE with the
-// deck's Refresh) or for the deck window.
-class Receiver : public MessageSink {
-  public:
-    LResult OnAppMessage(Uwm msg, WParam w, LParam l) override {
-        got.push_back({msg, w, l});
-        if (msg == UWM_DECK_INFO_UPDATE && info)
-            info->Refresh();
-        return 0;
-    }
-    std::vector<Message> got;
-    CRynDeckInfo* info = nullptr;
-};
-
 void Show(CRynDeckInfo& info) {
     info.setAttribute(Qt::WA_DontShowOnScreen);
     info.show();
@@ -198,12 +178,18 @@ TEST(DeckInfoWindow, MetersShowTheStatisticsOnlyWhileOn) {
 
 TEST(DeckInfoWindow, MetersSwitchRunsTheThreadThatAsksForRefreshes) {
     ResetEngineStateForTest();
-    Receiver mixer;
+    // Stands in for the main mixer, which answers UWM_DECK_INFO_UPDATE with
+    // the deck's Refresh.
+    testsupport::MessageLog mixer;
     Engine().mainMixerWindow = mixer.Handle();
     {
         CRynDeckInfo info;
         info.Initialise(0, 1);
-        mixer.info = &info;
+        mixer.onMessage = [&info](Uwm msg, WParam, LParam) {
+            if (msg == UWM_DECK_INFO_UPDATE)
+                info.Refresh();
+            return LResult(0);
+        };
         Show(info);
         FeedSampleState(info);
 
@@ -233,7 +219,7 @@ TEST(DeckInfoWindow, MetersSwitchRunsTheThreadThatAsksForRefreshes) {
         info.SetMetersOn(true);
         info.SetMetersOn(true);
         EXPECT_TRUE(info.ThreadRunning());
-        mixer.info = nullptr;
+        mixer.onMessage = nullptr;
     }
     EXPECT_EQ(Engine().decks[1].deckInfoThreadRun.load(), 0);
     ResetEngineStateForTest();
@@ -241,7 +227,7 @@ TEST(DeckInfoWindow, MetersSwitchRunsTheThreadThatAsksForRefreshes) {
 
 TEST(DeckInfoWindow, CloseBoxTellsTheDeckAndHides) {
     ResetEngineStateForTest();
-    Receiver deck;
+    testsupport::MessageLog deck;
     CRynDeckInfo info;
     info.Initialise(deck.Handle(), 1);
     Show(info);
