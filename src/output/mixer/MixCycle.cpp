@@ -83,12 +83,6 @@ void MixCycle::WriteDeckBlock(int deck) {
     ++written_[deck];
 }
 
-void MixCycle::Prime(int deck, int blocks) {
-    PlayForward(deck, false);
-    for (int i = 0; i < blocks; ++i)
-        WriteDeckBlock(deck);
-}
-
 void MixCycle::PlayForward(int deck, bool play) {
     OnBoth([&](CRynAudioOutput& o) { play ? o.PlayForward(deck) : o.StopForward(deck); });
 }

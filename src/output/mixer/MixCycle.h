@@ -35,7 +35,6 @@ class MixCycle : public MixStepSink {
     void MixStep(int deck, bool catchUp) override;
     void ReverseStep(int deck) override;
     void WriteDeckBlock(int deck) override;
-    void Prime(int deck, int blocks) override;
     void PlayForward(int deck, bool play) override;
     void PlayReverse(int deck, bool play) override;
     void CreateScratch(int deck, int bytes) override;
