@@ -16,7 +16,7 @@
 #include <functional>
 #include <vector>
 
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 #include "deck/CRynDeck.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "platform/sound/SoundDevice.h"

@@ -7,7 +7,7 @@
 #include <functional>
 #include <vector>
 
-#include "app/CRynWindow.h"
+#include "core/CRynWindow.h"
 
 namespace testsupport {
 

@@ -13,13 +13,14 @@
 #include <thread>
 
 #include "app/CMixoraApp.h"
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
+#include "app/KeyboardPollThread.h"
 #include "app/ProgressLamp.h"
 #include "app/ScreenMode.h"
-#include "app/ServiceThreads.h"
 #include "app/ShellLog.h"
 #include "controls/CNiButton.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
+#include "core/ServiceThreads.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
 #include "dsp/window/CRyn3DGraph.h"
@@ -191,8 +192,6 @@ bool CMixoraDlg::StartUp() {
         d.forwardThreadStop.store(0);
         d.scratchThreadStop.store(0);
         d.forwardReaderRun.store(0);
-        d.manualEvent1.Reset();
-        d.manualEvent2.Reset();
         d.forwardNotifyEvent.Reset();
         d.reverseNotifyEvent.Reset();
         d.scratchNotifyEvent.Reset();

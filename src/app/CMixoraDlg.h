@@ -15,11 +15,11 @@
 #include <memory>
 #include <vector>
 
-#include "app/AppMessages.h"
 #include "app/KeyForwarder.h"
 #include "app/KeySource.h"
-#include "app/PlatformLayers.h"
-#include "app/WorkerThread.h"
+#include "core/AppMessages.h"
+#include "core/WorkerThread.h"
+#include "platform/PlatformLayers.h"
 
 class CRynCdAudio;
 class CRynMainMixer;
@@ -32,9 +32,8 @@ class CRynPlayList;
 class CRynWindow;
 class ProgressLamp;
 
-// No Q_OBJECT: the host has no signals or slots, and staying out of the
-// meta-object code keeps builds of the app folder alone free of the windows.
 class CMixoraDlg : public QDialog, public MessageReceiver {
+    Q_OBJECT
   public:
     static constexpr int kTemplateId = 102;
     static constexpr int kDefaultPauseMs = 200;

@@ -7,10 +7,10 @@
 #include <QPlainTextEdit>
 #include <QTextEdit>
 
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
-#include "app/TsanAnnotations.h"
 #include "app/VirtualKeys.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
+#include "core/TsanAnnotations.h"
 
 KeyForwarder::KeyForwarder(WindowHandle host, QObject* parent) : QObject(parent), host_(host) {}
 

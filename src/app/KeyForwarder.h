@@ -10,7 +10,7 @@
 
 #include <QObject>
 
-#include "app/AppMessages.h"
+#include "core/AppMessages.h"
 
 class KeyForwarder : public QObject {
     Q_OBJECT

@@ -5,12 +5,12 @@
 #include <QTimer>
 
 #include "app/CMixoraDlg.h"
-#include "app/EngineState.h"
-#include "app/PlatformLayers.h"
 #include "app/ShellLog.h"
 #include "controls/CNiButton.h"
+#include "core/EngineState.h"
 #include "deck/CRynDeck.h"
 #include "output/mixer/CRynMainMixer.h"
+#include "platform/PlatformLayers.h"
 
 namespace {
 

@@ -5,9 +5,9 @@
 #include <QGridLayout>
 #include <QLabel>
 
-#include "app/EngineState.h"
 #include "controls/CNiButton.h"
 #include "controls/CNiSlide.h"
+#include "core/EngineState.h"
 #include "deck/CRynDeckInfo.h"
 #include "deck/disc/CRynDiscBuffer.h"
 #include "deck/source/DeckSource.h"

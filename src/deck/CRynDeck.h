@@ -25,9 +25,9 @@
 #include <functional>
 #include <memory>
 
-#include "app/CRynWindow.h"
-#include "deck/MixerDeck.h"
+#include "core/CRynWindow.h"
 #include "deck/disc/DeckInfoStats.h"
+#include "deck/transport/MixerDeck.h"
 
 class CNiButton;
 class CNiSlide;

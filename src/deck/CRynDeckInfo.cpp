@@ -6,12 +6,12 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "app/EngineState.h"
-#include "app/ServiceThreads.h"
 #include "controls/CNiButton.h"
 #include "controls/CNiGraph.h"
 #include "controls/CNiSlide.h"
 #include "controls/ControlLook.h"
+#include "core/EngineState.h"
+#include "core/ServiceThreads.h"
 
 using namespace control_look;
 

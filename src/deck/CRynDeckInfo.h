@@ -17,8 +17,8 @@
 
 #include <array>
 
-#include "app/CRynWindow.h"
-#include "app/WorkerThread.h"
+#include "core/CRynWindow.h"
+#include "core/WorkerThread.h"
 #include "deck/disc/DeckInfoStats.h"
 
 class CNiButton;

@@ -1,6 +1,6 @@
 #include "playlist/DefaultPlayList.h"
 
-#include "app/Paths.h"
+#include "core/Paths.h"
 
 std::string DefaultListPath(int deck) {
     return DataDir().toStdString() + (deck == 0 ? "/DeckAPlayList.m3u" : "/DeckBPlayList.m3u");

@@ -4,7 +4,7 @@
 #include <QFile>
 #include <bit>
 
-#include "app/Paths.h"
+#include "core/Paths.h"
 
 QString SettingsStore::DefaultPath() {
     return ConfigDir() + QStringLiteral("/Mixora.conf");

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <cstring>
 
-#include "app/AppMessages.h"
-#include "app/EngineState.h"
+#include "core/AppMessages.h"
+#include "core/EngineState.h"
 #include "platform/cd/LibCdioBackend.h"
 
 static_assert(CRynCdAudio::kReadBytes == kBlockBytes, "one read fills one disc-buffer slot");

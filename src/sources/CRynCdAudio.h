@@ -23,6 +23,7 @@
 #include <string>
 #include <vector>
 
+#include "core/PcmFormat.h"
 #include "platform/cd/CdBackend.h"
 #include "sources/CRynCdAudioClock.h"
 
@@ -30,7 +31,6 @@ class CRynCdAudio {
   public:
     static constexpr std::int32_t kOk = 0;
     static constexpr std::int32_t kUnexpected = static_cast<std::int32_t>(0x8000FFFF);
-    static constexpr int kBlockSectors = 2;  // 4704 bytes, one disc-buffer slot
     static constexpr int kReadBytes = kBlockSectors * cd::kSectorBytes;
     static constexpr int kReadAttempts = 10;
     static constexpr double kPacingSeconds = 0.01;  // least time between reads of one drive

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "app/AppMessages.h"
+#include "core/AppMessages.h"
 #include "sources/CRynFileDecoderConvert.h"
 
 namespace {

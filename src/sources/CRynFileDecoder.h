@@ -29,7 +29,7 @@
 #include <memory>
 #include <string>
 
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 #include "platform/media/MediaSource.h"
 #include "platform/media/RemovableDrive.h"
 

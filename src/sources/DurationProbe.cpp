@@ -1,6 +1,6 @@
 #include "sources/DurationProbe.h"
 
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 #include "sources/CRynFileDecoder.h"
 
 DurationProbe::DurationProbe(int deck) : deck_(deck < 0 || deck >= kDeckCount ? 0 : deck) {}

@@ -8,11 +8,12 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
-#include "app/NotifyThreads.h"
-#include "app/ServiceThreads.h"
-#include "app/WorkerThread.h"
+#include "app/KeyboardPollThread.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
+#include "core/ServiceThreads.h"
+#include "core/WorkerThread.h"
+#include "output/engine/NotifyThreads.h"
 
 namespace {
 

@@ -6,12 +6,12 @@
 #include <Qt>
 
 #include "app/CommandLine.h"
-#include "app/DisplayPacing.h"
-#include "app/PlatformLayers.h"
 #include "app/ScreenMode.h"
-#include "app/ThreadPriority.h"
 #include "app/VirtualKeys.h"
-#include "app/WorkerThread.h"
+#include "core/ThreadPriority.h"
+#include "core/WorkerThread.h"
+#include "output/engine/DisplayPacing.h"
+#include "platform/PlatformLayers.h"
 
 TEST(ScreenMode, HighResolutionNeedsMoreThan800By600) {
     EXPECT_FALSE(ChooseLowResolution(1024, 768));

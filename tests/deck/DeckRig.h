@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "app/AppMessages.h"
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
+#include "core/AppMessages.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
 
 class CRynDeck;
 class CRynMainMixer;

@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
 #include "app/KeyForwarder.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
 

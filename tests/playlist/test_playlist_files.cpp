@@ -10,7 +10,7 @@
 #include <QTemporaryDir>
 #include <string>
 
-#include "app/Paths.h"
+#include "core/Paths.h"
 #include "playlist/DefaultPlayList.h"
 #include "playlist/ListFileFormat.h"
 #include "playlist/ListFileIo.h"

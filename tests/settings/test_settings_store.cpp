@@ -7,7 +7,7 @@
 #include <cmath>
 
 #include "SettingsTestSupport.h"
-#include "app/Paths.h"
+#include "core/Paths.h"
 #include "settings/SettingsNames.h"
 
 using settingstest::Fixture;

@@ -8,8 +8,8 @@
 #include <thread>
 
 #include "TestSupport.h"
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
 #include "platform/cd/LibCdioBackend.h"
 #include "sources/CRynCdAudio.h"
 #include "sources/CdImageFixture.h"

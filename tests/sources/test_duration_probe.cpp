@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 
 #include "TestSupport.h"
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 #include "platform/media/MediaFixtures.h"
 #include "sources/AudioFormats.h"
 #include "sources/CRynFileDecoder.h"

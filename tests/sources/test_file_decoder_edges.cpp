@@ -9,7 +9,7 @@
 
 #include "FileDecoderTestUtil.h"
 #include "TestSupport.h"
-#include "app/CRynWindow.h"
+#include "core/CRynWindow.h"
 #include "platform/media/MediaFixtures.h"
 #include "sources/CRynFileDecoder.h"
 

@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <cstring>
 
-#include "app/ThreadPriority.h"
+#include "core/ThreadPriority.h"
 #include "deck/disc/DeckBlockSource.h"
 
 namespace {

@@ -21,8 +21,8 @@
 #include <mutex>
 #include <thread>
 
-#include "app/AppMessages.h"
-#include "app/EngineState.h"
+#include "core/AppMessages.h"
+#include "core/EngineState.h"
 #include "deck/disc/DeckInfoStats.h"
 
 class DeckBlockSource;

@@ -8,11 +8,13 @@
 #include <atomic>
 #include <cstdint>
 
+#include "core/PcmFormat.h"
+
 class DeckInfoStats {
   public:
     static constexpr int kForwardSlots = 170;
     static constexpr int kBackwardSlots = 50;
-    static constexpr int kRingBlocks = 120;
+    static constexpr int kRingBlocks = kOutputRingBlocks;
 
     // The 170 forward fill flags; index 1..170 of the vector holds them.
     void HandInForwardFlags(const std::array<std::atomic<std::int32_t>, kForwardSlots>& flags);

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 #include "playlist/PlayList.h"
 #include "sources/CRynCdAudio.h"
 #include "sources/CRynFileDecoder.h"

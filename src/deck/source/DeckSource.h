@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <string>
 
+#include "core/PcmFormat.h"
 #include "deck/disc/DeckBlockSource.h"
 
 class CRynCdAudio;
@@ -27,7 +28,6 @@ class DeckSource : public DeckBlockSource {
   public:
     static constexpr int kCdMode = 0;    // sourceType values
     static constexpr int kFileMode = 1;  // (DeckSharedState::sourceType)
-    static constexpr int kCdRate = 44100;
 
     // Outcome of LoadCurrent.
     enum class LoadStatus {

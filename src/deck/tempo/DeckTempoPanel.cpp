@@ -5,11 +5,11 @@
 
 #include <algorithm>
 
-#include "app/EngineState.h"
 #include "controls/CNiButton.h"
 #include "controls/CNiControl.h"
 #include "controls/CNiSlide.h"
 #include "controls/ControlLook.h"
+#include "core/EngineState.h"
 #include "deck/tempo/TempoLaw.h"
 
 using namespace control_look;

@@ -29,6 +29,8 @@
 #include <QWidget>
 #include <functional>
 
+#include "core/PcmFormat.h"
+
 class CNiButton;
 class CNiSlide;
 class QLabel;
@@ -42,7 +44,6 @@ class DeckTempoPanel : public QWidget {
     static constexpr double kTempoCoarseStep = 0.05;  // tempo slide, keys Q R / U P
     static constexpr double kTempoFineStep = 0.005;   // tempo slide, keys W E / I O
     static constexpr double kSpindleStep = 0.05;      // spindle slide, keys F V
-    static constexpr int kCdRate = 44100;             // Hz, base rate without a hook
 
     explicit DeckTempoPanel(QWidget* parent = nullptr);
     ~DeckTempoPanel() override;

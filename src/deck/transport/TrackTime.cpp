@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 
 namespace tracktime {
 

@@ -8,12 +8,14 @@
 #include <span>
 #include <string_view>
 
+#include "core/PcmFormat.h"
 #include "dsp/FirDesign.h"
 
 namespace dsp::eq {
 
-inline constexpr int kBlockLength = 1176;  // samples per channel per block (4704-byte stereo block)
-inline constexpr int kMaxTaps = 500;       // longest band filter
+inline constexpr int kBlockLength =
+    kBlockFrames;                     // samples per channel per block (4704-byte stereo block)
+inline constexpr int kMaxTaps = 500;  // longest band filter
 inline constexpr int kHistory = kMaxTaps - 1;                // samples kept from the last block
 inline constexpr int kKeptLength = kHistory + kBlockLength;  // 1675
 inline constexpr int kMaxBands = 24;

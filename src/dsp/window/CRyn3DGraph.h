@@ -2,7 +2,7 @@
 // listener. Shell for now; the plot comes with the 3D graph itself.
 #pragma once
 
-#include "app/CRynWindow.h"
+#include "core/CRynWindow.h"
 
 class CRyn3DGraph : public CRynWindow {
     Q_OBJECT

@@ -2,7 +2,7 @@
 // FIR equalizer. Shell for now; the bands come with the equalizer window.
 #pragma once
 
-#include "app/CRynWindow.h"
+#include "core/CRynWindow.h"
 
 class CRynEqualizer : public CRynWindow {
     Q_OBJECT

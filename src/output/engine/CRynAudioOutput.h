@@ -21,8 +21,8 @@
 #include <string>
 #include <vector>
 
-#include "app/AppMessages.h"
-#include "app/EngineState.h"
+#include "core/AppMessages.h"
+#include "core/EngineState.h"
 #include "output/engine/CRynSoundEngine.h"
 #include "output/laws/CrossFaderCurve.h"
 #include "platform/sound/SoundStatus.h"

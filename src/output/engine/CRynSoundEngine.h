@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 #include "platform/sound/SoundBuffer.h"
 #include "platform/sound/SoundDevice.h"
 #include "platform/sound/SoundStatus.h"

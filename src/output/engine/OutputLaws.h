@@ -6,13 +6,13 @@
 #include <array>
 #include <cstdint>
 
-#include "app/EngineState.h"
+#include "core/PcmFormat.h"
 
 namespace output {
 
 // Every deck buffer holds 120 blocks of 4704 bytes (3.2 s at 44100 Hz).
 constexpr int kRingBlocks = kOutputRingBlocks;
-constexpr int kRingBytes = kRingBlocks * kBlockBytes;              // 564480
+constexpr int kRingBytes = kOutputRingBytes;                       // 564480
 constexpr int kLastBlockOffset = (kRingBlocks - 1) * kBlockBytes;  // 559776
 
 // A fade is 500 volume settings; each is held for two device frames, so a

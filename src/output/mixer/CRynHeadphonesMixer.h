@@ -6,7 +6,7 @@
 #include <QColor>
 #include <array>
 
-#include "app/CRynWindow.h"
+#include "core/CRynWindow.h"
 #include "output/engine/CRynAudioOutput.h"
 
 class CRynHeadphonesMixer : public CRynWindow {

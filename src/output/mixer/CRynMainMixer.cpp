@@ -5,8 +5,8 @@
 #include <QThread>
 #include <QVBoxLayout>
 
-#include "app/EngineState.h"
-#include "app/WorkerThread.h"
+#include "core/EngineState.h"
+#include "core/WorkerThread.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
 #include "platform/sound/SoundSystem.h"

@@ -16,10 +16,10 @@
 #include <optional>
 #include <string>
 
-#include "app/CRynWindow.h"
-#include "app/DisplayPacing.h"
-#include "app/NotifyThreads.h"
+#include "core/CRynWindow.h"
 #include "output/engine/CRynAudioOutput.h"
+#include "output/engine/DisplayPacing.h"
+#include "output/engine/NotifyThreads.h"
 #include "output/mixer/MainMixerPanel.h"
 #include "output/mixer/MixCycle.h"
 #include "output/mixer/MixStepSink.h"

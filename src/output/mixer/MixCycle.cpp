@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-#include "deck/MixerDeck.h"
+#include "deck/transport/MixerDeck.h"
 #include "output/engine/CRynAudioOutput.h"
 
 namespace {

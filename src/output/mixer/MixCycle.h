@@ -13,7 +13,7 @@
 #include <array>
 #include <functional>
 
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 #include "output/mixer/MixStepSink.h"
 
 class CRynAudioOutput;

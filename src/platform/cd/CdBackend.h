@@ -16,10 +16,12 @@
 #include <string>
 #include <vector>
 
+#include "core/PcmFormat.h"
+
 namespace cd {
 
-constexpr int kSectorBytes = 2352;  // one CD frame of audio
-constexpr int kSectorsPerSecond = 75;
+constexpr int kSectorBytes = kCdSectorBytes;  // one CD frame of audio
+constexpr int kSectorsPerSecond = kCdSectorsPerSecond;
 constexpr int kMaxDrives = 8;                // drives plus disc images listed
 constexpr std::uint8_t kControlData = 0x04;  // ADR/control bit: data track
 constexpr std::uint8_t kAdrPosition = 0x10;  // ADR 1 (position), as drives report it

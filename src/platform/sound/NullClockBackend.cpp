@@ -6,7 +6,7 @@
 #include <thread>
 #include <vector>
 
-#include "app/ThreadRole.h"
+#include "core/ThreadRole.h"
 #include "platform/sound/SoundBackend.h"
 #include "platform/sound/SoundMixer.h"
 

@@ -2,7 +2,7 @@
 
 #include <portaudio.h>
 
-#include "app/ThreadRole.h"
+#include "core/ThreadRole.h"
 #include "platform/sound/SoundMixer.h"
 
 namespace sound {

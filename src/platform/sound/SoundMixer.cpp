@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/SyncEvent.h"
+#include "core/SyncEvent.h"
 
 namespace sound {
 

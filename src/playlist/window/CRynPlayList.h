@@ -2,7 +2,7 @@
 // Shell for now; the list view comes with the play list window.
 #pragma once
 
-#include "app/CRynWindow.h"
+#include "core/CRynWindow.h"
 #include "playlist/PlayList.h"
 
 class CRynPlayList : public CRynWindow {

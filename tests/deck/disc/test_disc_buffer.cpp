@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
 #include "deck/disc/CRynDiscBuffer.h"
 #include "deck/disc/DeckBlockSource.h"
 

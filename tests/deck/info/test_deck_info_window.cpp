@@ -14,11 +14,11 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
 #include "controls/CNiButton.h"
 #include "controls/CNiGraph.h"
 #include "controls/CNiSlide.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
 #include "deck/CRynDeckInfo.h"
 
 namespace {

@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
 #include "deck/source/DeckSource.h"
 #include "platform/cd/LibCdioBackend.h"
 #include "playlist/PlayList.h"

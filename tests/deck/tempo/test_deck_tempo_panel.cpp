@@ -10,10 +10,10 @@
 #include <QTest>
 #include <vector>
 
-#include "app/EngineState.h"
 #include "controls/CNiButton.h"
 #include "controls/CNiSlide.h"
 #include "controls/ControlsGallery.h"
+#include "core/EngineState.h"
 #include "deck/tempo/DeckTempoPanel.h"
 #include "deck/tempo/TempoLaw.h"
 

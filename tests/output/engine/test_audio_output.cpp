@@ -7,7 +7,7 @@
 #include <cstring>
 #include <vector>
 
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "output/engine/OutputLaws.h"
 #include "platform/sound/SoundDevice.h"

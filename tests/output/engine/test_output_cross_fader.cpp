@@ -4,7 +4,7 @@
 
 #include <cmath>
 
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "platform/sound/SoundDevice.h"
 

@@ -11,10 +11,10 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "app/EngineState.h"
 #include "controls/CNiButton.h"
 #include "controls/CNiGraph.h"
 #include "controls/CNiSlide.h"
+#include "core/EngineState.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "output/laws/AutoPan.h"
 #include "output/laws/MasterLine.h"

@@ -6,9 +6,9 @@
 #include <array>
 
 #include "TestSupport.h"
-#include "app/CRynWindow.h"
-#include "app/EngineState.h"
-#include "app/ServiceThreads.h"
+#include "core/CRynWindow.h"
+#include "core/EngineState.h"
+#include "core/ServiceThreads.h"
 #include "output/mixer/CRynMainMixer.h"
 
 namespace {

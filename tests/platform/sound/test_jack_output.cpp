@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "app/SyncEvent.h"
+#include "core/SyncEvent.h"
 #include "platform/sound/SoundSystem.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "TestSupport.h"
-#include "app/SyncEvent.h"
+#include "core/SyncEvent.h"
 #include "platform/sound/SoundDevice.h"
 #include "platform/sound/SoundSystem.h"
 

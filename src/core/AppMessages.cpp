@@ -1,4 +1,4 @@
-#include "app/AppMessages.h"
+#include "core/AppMessages.h"
 
 #include <QCoreApplication>
 #include <QEvent>
@@ -14,8 +14,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "app/ThreadRole.h"
-#include "app/TsanAnnotations.h"
+#include "core/ThreadRole.h"
+#include "core/TsanAnnotations.h"
 
 namespace {
 
@@ -118,80 +118,12 @@ Deliverer* TheDeliverer(QObject* object) {
 }  // namespace
 
 const char* UwmName(std::uint32_t msg) {
-    struct NamedMessage {
-        std::uint32_t id;
-        const char* name;
-    };
-    static const NamedMessage kNames[] = {
-        {UWM_CONFIG_REFRESH, "UWM_CONFIG_REFRESH"},
-        {UWM_RESERVED_8002, "UWM_RESERVED_8002"},
-        {UWM_EQ_NUMBER_TYPE, "UWM_EQ_NUMBER_TYPE"},
-        {UWM_EQ_TYPE, "UWM_EQ_TYPE"},
-        {UWM_GRAPH_NUMBER_TYPE, "UWM_GRAPH_NUMBER_TYPE"},
-        {UWM_SET_DIRECTION, "UWM_SET_DIRECTION"},
-        {UWM_WINDOW_CLOSED, "UWM_WINDOW_CLOSED"},
-        {UWM_START_SCRATCH, "UWM_START_SCRATCH"},
-        {UWM_CREATE_DECK_BUFFERS, "UWM_CREATE_DECK_BUFFERS"},
-        {UWM_DIAGNOSTICS, "UWM_DIAGNOSTICS"},
-        {UWM_APPLY_PAN, "UWM_APPLY_PAN"},
-        {UWM_ASSIGN_CD_DRIVE, "UWM_ASSIGN_CD_DRIVE"},
-        {UWM_APPLY_EFFECT, "UWM_APPLY_EFFECT"},
-        {UWM_APPLY_EFFECT_PARAMETER, "UWM_APPLY_EFFECT_PARAMETER"},
-        {UWM_3D_GRAPH_VALUE, "UWM_3D_GRAPH_VALUE"},
-        {UWM_FIRST_FILL, "UWM_FIRST_FILL"},
-        {UWM_RELEASE_DECK, "UWM_RELEASE_DECK"},
-        {UWM_BACKWARD_FLAGS, "UWM_BACKWARD_FLAGS"},
-        {UWM_FORWARD_FLAGS, "UWM_FORWARD_FLAGS"},
-        {UWM_GRAPHS_PRIORITY, "UWM_GRAPHS_PRIORITY"},
-        {UWM_DECK_VALUE, "UWM_DECK_VALUE"},
-        {UWM_READER_ENDED, "UWM_READER_ENDED"},
-        {UWM_RESERVED_8017, "UWM_RESERVED_8017"},
-        {UWM_END_OF_TRACK, "UWM_END_OF_TRACK"},
-        {UWM_LATENCY_MAXIMUM, "UWM_LATENCY_MAXIMUM"},
-        {UWM_LATENCY_QUARTER_REQUEST, "UWM_LATENCY_QUARTER_REQUEST"},
-        {UWM_EQ_BAND_GAIN, "UWM_EQ_BAND_GAIN"},
-        {UWM_DEVICE_EQ_BANDS, "UWM_DEVICE_EQ_BANDS"},
-        {UWM_DEVICE_EQ_ON, "UWM_DEVICE_EQ_ON"},
-        {UWM_SHUTDOWN, "UWM_SHUTDOWN"},
-        {UWM_SEARCH_ENTER, "UWM_SEARCH_ENTER"},
-        {UWM_KEY_POLLED, "UWM_KEY_POLLED"},
-        {UWM_KEY_DOWN, "UWM_KEY_DOWN"},
-        {UWM_KEY_UP, "UWM_KEY_UP"},
-        {UWM_GRAPH_DOUBLE_CLICK, "UWM_GRAPH_DOUBLE_CLICK"},
-        {UWM_MINIMISE_ALL, "UWM_MINIMISE_ALL"},
-        {UWM_SET_SOUND_DEVICE, "UWM_SET_SOUND_DEVICE"},
-        {UWM_FORWARD_PLAY, "UWM_FORWARD_PLAY"},
-        {UWM_REVERSE_PLAY, "UWM_REVERSE_PLAY"},
-        {UWM_START_FORWARD_THREAD, "UWM_START_FORWARD_THREAD"},
-        {UWM_START_REVERSE_THREAD, "UWM_START_REVERSE_THREAD"},
-        {UWM_FORWARD_NOTIFY, "UWM_FORWARD_NOTIFY"},
-        {UWM_REVERSE_NOTIFY, "UWM_REVERSE_NOTIFY"},
-        {UWM_SCRATCH_DONE, "UWM_SCRATCH_DONE"},
-        {UWM_LOAD_AND_PLAY, "UWM_LOAD_AND_PLAY"},
-        {UWM_PRIME_DECK, "UWM_PRIME_DECK"},
-        {UWM_RESTORE_ALL, "UWM_RESTORE_ALL"},
-        {UWM_REFRESH_CD_DRIVES, "UWM_REFRESH_CD_DRIVES"},
-        {UWM_LISTENER_POSITION, "UWM_LISTENER_POSITION"},
-        {UWM_SET_REVERSE_POSITION, "UWM_SET_REVERSE_POSITION"},
-        {UWM_HELP_BUTTONS, "UWM_HELP_BUTTONS"},
-        {UWM_SET_FORWARD_POSITION, "UWM_SET_FORWARD_POSITION"},
-        {UWM_METERS_THREAD, "UWM_METERS_THREAD"},
-        {UWM_SET_REVERSE_FREQUENCY, "UWM_SET_REVERSE_FREQUENCY"},
-        {UWM_SET_FORWARD_FREQUENCY, "UWM_SET_FORWARD_FREQUENCY"},
-        {UWM_TITLE_BARS, "UWM_TITLE_BARS"},
-        {UWM_PLAY_SCRATCH, "UWM_PLAY_SCRATCH"},
-        {UWM_STOP_DECK, "UWM_STOP_DECK"},
-        {UWM_STOP_REVERSE, "UWM_STOP_REVERSE"},
-        {UWM_TICK, "UWM_TICK"},
-        {UWM_DECK_INFO_UPDATE, "UWM_DECK_INFO_UPDATE"},
-        {UWM_GRAPHS_UPDATE, "UWM_GRAPHS_UPDATE"},
-        {UWM_TRACK_NUMBER, "UWM_TRACK_NUMBER"},
-        {UWM_TRACK_INFO, "UWM_TRACK_INFO"},
-        {UWM_LATENCY_QUARTER, "UWM_LATENCY_QUARTER"},
-    };
-    for (const NamedMessage& m : kNames) {
-        if (m.id == msg)
-            return m.name;
+    switch (msg) {
+#define MIXORA_UWM_NAME(name, number) \
+    case number:                      \
+        return #name;
+        MIXORA_UWM_LIST(MIXORA_UWM_NAME)
+#undef MIXORA_UWM_NAME
     }
     return "UWM_UNKNOWN";
 }

@@ -17,8 +17,8 @@
 #include <atomic>
 #include <memory>
 
-#include "app/EngineState.h"
-#include "app/WorkerThread.h"
+#include "core/EngineState.h"
+#include "core/WorkerThread.h"
 
 enum class NotifyKind { Forward = 0, Reverse = 1, Scratch = 2 };
 

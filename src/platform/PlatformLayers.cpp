@@ -1,4 +1,4 @@
-#include "app/PlatformLayers.h"
+#include "platform/PlatformLayers.h"
 
 #include <portaudio.h>
 

@@ -1,8 +1,8 @@
-#include "app/SyncEvent.h"
+#include "core/SyncEvent.h"
 
 #include <chrono>
 
-#include "app/ThreadRole.h"
+#include "core/ThreadRole.h"
 
 SyncEvent::SyncEvent(Kind kind, bool initiallySet, std::string name)
     : kind_(kind), name_(std::move(name)), set_(initiallySet) {}

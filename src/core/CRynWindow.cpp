@@ -1,4 +1,4 @@
-#include "app/CRynWindow.h"
+#include "core/CRynWindow.h"
 
 #include <QDebug>
 #include <QTimerEvent>

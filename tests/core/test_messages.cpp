@@ -6,8 +6,8 @@
 #include <thread>
 
 #include "TestSupport.h"
-#include "app/CRynWindow.h"
-#include "app/SyncEvent.h"
+#include "core/CRynWindow.h"
+#include "core/SyncEvent.h"
 
 namespace {
 

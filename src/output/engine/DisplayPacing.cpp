@@ -1,4 +1,4 @@
-#include "app/DisplayPacing.h"
+#include "output/engine/DisplayPacing.h"
 
 DisplayPacing::Step DisplayPacing::OnNotification(int playingDecks) {
     Step step;

@@ -1,4 +1,4 @@
-#include "app/ThreadRole.h"
+#include "core/ThreadRole.h"
 
 #include <cassert>
 #include <cstdio>

@@ -12,7 +12,7 @@
 #include <string>
 #include <thread>
 
-#include "app/ThreadPriority.h"
+#include "core/ThreadPriority.h"
 
 class WorkerThread {
   public:

@@ -12,24 +12,13 @@
 #include <string>
 #include <thread>
 
-#include "app/AppMessages.h"
-#include "app/SyncEvent.h"
+#include "core/AppMessages.h"
+#include "core/PcmFormat.h"
+#include "core/SyncEvent.h"
 
 class CRynFileDecoder;
 class CRynKeyboard;
 class WorkerThread;
-
-// The PCM block: 4704 bytes = 1176 stereo frames of 16-bit samples = two CD
-// sectors, 26.67 ms at 44100 Hz. The unit of every read and mix step.
-constexpr int kBlockBytes = 4704;
-constexpr int kBlockFrames = 1176;
-constexpr int kBytesPerSecond = 176400;  // byte rate used for all time arithmetic
-constexpr int kForwardDiscBlocks = 170;  // forward disc buffer (4.53 s)
-constexpr int kBackwardDiscBlocks = 50;  // backward disc buffer (1.33 s)
-constexpr int kOutputRingBlocks = 120;   // per device buffer (3.2 s)
-constexpr int kDeckCount = 2;
-
-using PcmBlock = std::array<std::uint8_t, kBlockBytes>;
 
 struct DeckSharedState {
     WindowHandle deckWindow = 0;  // target of reader and end-of-stream messages
@@ -57,11 +46,6 @@ struct DeckSharedState {
     // The running deck information thread, or none. Owned by the deck
     // information window; read and written on the user-interface thread only.
     WorkerThread* deckInfoThread = nullptr;
-
-    // Two manual-reset events per deck, created at start-up and closed at
-    // shutdown; kept for the disc readers, unused so far.
-    SyncEvent manualEvent1{SyncEvent::Kind::ManualReset, false};
-    SyncEvent manualEvent2{SyncEvent::Kind::ManualReset, false};
 
     // Play-list duration probe wake event.
     SyncEvent playListWakeEvent{SyncEvent::Kind::AutoReset, false};

@@ -1,11 +1,11 @@
-#include "app/WorkerThread.h"
+#include "core/WorkerThread.h"
 
 #include <QCoreApplication>
 #include <QThread>
 
 #include <chrono>
 
-#include "app/AppMessages.h"
+#include "core/AppMessages.h"
 
 WorkerThread::~WorkerThread() {
     if (thread_.joinable()) {

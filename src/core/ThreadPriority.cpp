@@ -1,4 +1,4 @@
-#include "app/ThreadPriority.h"
+#include "core/ThreadPriority.h"
 
 #include <sched.h>
 #include <sys/resource.h>

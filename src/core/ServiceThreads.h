@@ -4,7 +4,6 @@
 //
 // | thread        | waits on                         | time-out | ends when                  |
 // | tick          | tickWakeEvent                    | 500 ms   | tickThreadRun is 0         |
-// | keyboard poll | (sleeps 30 ms between polls)     | -        | keyboardThreadRun is 0     |
 // | graphs        | "Update Graphs And Meters Event" | 1000 ms  | graphsThreadRun is 0       |
 // | deck info     | the deck's deckInfoEvent         | 1000 ms  | the deck's deckInfoThreadRun is 0
 // |
@@ -16,11 +15,9 @@
 
 #include <atomic>
 
-#include "app/EngineState.h"
-#include "app/KeySource.h"
+#include "core/EngineState.h"
 
 constexpr int kTickPeriodMs = 500;
-constexpr int kKeyboardPollMs = 30;
 constexpr int kGraphsTimeoutMs = 1000;
 constexpr int kDeckInfoTimeoutMs = 1000;
 
@@ -32,11 +29,6 @@ constexpr int kDeckInfoTimeoutMs = 1000;
 void TickOnce(SharedEngineState& engine);
 
 void RunTickThread(SharedEngineState& engine, const std::atomic<bool>& cancelled);
-
-// Polls `keys` every 30 ms and sends UWM_KEY_POLLED (wParam: the key code as a
-// signed 8-bit value) to the host for each key held, in poll-table order.
-void RunKeyboardPollThread(SharedEngineState& engine, KeySource& keys,
-                           const std::atomic<bool>& cancelled);
 
 // Turns every setting of "Update Graphs And Meters Event", and at least one a
 // second, into one synchronous UWM_GRAPHS_UPDATE to the main mixer.

@@ -6,7 +6,7 @@
 #include <QWidget>
 #include <map>
 
-#include "app/AppMessages.h"
+#include "core/AppMessages.h"
 
 class CRynWindow : public QWidget, public MessageReceiver {
     Q_OBJECT

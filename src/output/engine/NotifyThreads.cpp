@@ -1,4 +1,4 @@
-#include "app/NotifyThreads.h"
+#include "output/engine/NotifyThreads.h"
 
 #include <string>
 

@@ -1,4 +1,4 @@
-#include "app/EngineState.h"
+#include "core/EngineState.h"
 
 namespace {
 SharedEngineState* g_engine = nullptr;
