@@ -66,7 +66,7 @@ void BM_DecoderBlocks(benchmark::State& state) {
         int bytes = 0;
         bool end = false;
         blocks = 0;
-        while (decoder.ReadBlock(0, block, bytes, end) == CRynFileDecoder::kOk && !end)
+        while (decoder.ReadBlock(block, bytes, end) == CRynFileDecoder::kOk && !end)
             ++blocks;
         benchmark::DoNotOptimize(block);
         g_decoderSeconds = std::min(g_decoderSeconds, Now() - start);

@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         bool end = false;
         (void)decoder.DurationSeconds();
         for (int i = 0; i < kMaxBlocks; ++i) {
-            if (decoder.ReadBlock(0, block, bytes, end) != CRynFileDecoder::kOk || end)
+            if (decoder.ReadBlock(block, bytes, end) != CRynFileDecoder::kOk || end)
                 break;
             if (i == 3)
                 decoder.Rewind(2);

@@ -12,6 +12,7 @@
 #include "deck/disc/CRynDiscBuffer.h"
 #include "deck/source/DeckSource.h"
 #include "deck/tempo/DeckTempoPanel.h"
+#include "deck/transport/DeckTransport.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "playlist/PlayList.h"
 #include "playlist/window/CRynPlayList.h"
@@ -61,12 +62,8 @@ CRynDeck::CRynDeck(QWidget* parent) : CRynWindow("CRynDeck", kTemplateId, parent
 }
 
 CRynDeck::~CRynDeck() {
-    if (disc_) {
-        disc_->SetRunning(false);
-        disc_->StopForwardReader();
-        disc_->StopBackwardReader();
-        disc_->JoinBackwardReader();
-    }
+    if (transport_)
+        transport_->StopAllReaders();
     if (source_)
         source_->Close();
     DeckSharedState& d = Engine().decks[deck_];
@@ -92,11 +89,14 @@ void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlay
     if (!playList_)
         ownList_ = std::make_unique<PlayList>();
     source_ = std::make_unique<DeckSource>(deck_, *decoder_, List(), cd_);
-    disc_ = std::make_unique<CRynDiscBuffer>(deck_, Stats());
-    disc_->SetSource(source_.get());
-    disc_->SetStreamRate([this] { return Rate(); });
-    disc_->SetLedsChanged([this] {
-        const CRynDiscBuffer::Leds& l = disc_->GetLeds();
+    transport_ = std::make_unique<DeckTransport>(deck_, Stats());
+    transport_->SetStreamRate([this] { return Rate(); });
+    transport_->SetNominalRate([this] { return tempo_->NominalRate(); });
+    transport_->SetUnderrunHandler([this] { OnTrackEnded(); });
+    transport_->SetEndHeardHandler([this] { OnEndHeard(); });
+    Disc().SetSource(source_.get());
+    Disc().SetLedsChanged([this] {
+        const CRynDiscBuffer::Leds& l = Disc().GetLeds();
         freshDataLed_->SetValue(l.freshDataLow);
         discLowLed_->SetOnColor(l.discBufferVeryLow ? QColor(200, 20, 20) : QColor(200, 200, 20));
         discLowLed_->SetValue(l.discBufferLow);
@@ -112,10 +112,34 @@ void CRynDeck::SetCdAudio(CRynCdAudio* cd) {
     cd_ = cd;
     if (source_) {
         // The source is rebuilt around the reader; nothing is loaded yet.
-        disc_->SetSource(nullptr);
+        Disc().SetSource(nullptr);
         source_ = std::make_unique<DeckSource>(deck_, *decoder_, List(), cd_);
-        disc_->SetSource(source_.get());
+        Disc().SetSource(source_.get());
     }
+}
+
+CRynDiscBuffer& CRynDeck::Disc() {
+    return transport_->Disc();
+}
+
+bool CRynDeck::IsReverse() const {
+    return transport_ && transport_->IsReverse();
+}
+
+bool CRynDeck::EndOfTrackPending() const {
+    return transport_ && transport_->EndOfTrackPending();
+}
+
+int CRynDeck::BlocksUntilTrackEnd() const {
+    return transport_ ? transport_->BlocksUntilTrackEnd() : 0;
+}
+
+double CRynDeck::ElapsedSeconds() const {
+    return transport_ ? transport_->ElapsedSeconds() : 0.0;
+}
+
+bool CRynDeck::Primed() const {
+    return transport_ && transport_->Primed();
 }
 
 DeckInfoStats& CRynDeck::Stats() {
@@ -337,12 +361,8 @@ void CRynDeck::Shutdown() {
     for (int id : {kBlinkTimer, kRedropTimer, kDriveReopenTimer, kCdStartTimer, kWindTimer,
                    kProgressTimer, kTimeTimer, kFileDialogTimer, kTurntableTimer})
         KillWindowTimer(id);
-    if (disc_) {
-        disc_->SetRunning(false);
-        disc_->StopForwardReader();
-        disc_->StopBackwardReader();
-        disc_->JoinBackwardReader();
-    }
+    if (transport_)
+        transport_->StopAllReaders();
 }
 
 void CRynDeck::CloseDecoder() {
@@ -355,62 +375,11 @@ void CRynDeck::ApplyTempo() {
     tempo_->ApplyTempo();
 }
 
-double CRynDeck::NominalRate() const {
-    return tempo_->NominalRate();
-}
-
-// ------------------------------------------------------------ mix cycle
-
-int CRynDeck::FillBlock(int writeBlockIndex, std::uint8_t* dest) {
-    return disc_ ? disc_->FillBlock(writeBlockIndex, dest) : CRynDiscBuffer::kNotRunning;
-}
-
-int CRynDeck::BlocksAhead() const {
-    return disc_ ? disc_->BlocksAhead() : 0;
-}
-
-bool CRynDeck::IsTurning() const {
-    return disc_ && disc_->Running();
-}
-
-void CRynDeck::BlockFallsDue() {
-    if (endOfTrackPending_)
-        --blocksUntilTrackEnd_;
-}
-
-void CRynDeck::OnPrimed() {
-    primed_ = true;
-}
-
-void CRynDeck::NoteCursors(int reversePlayCursor, int reverseWriteCursor) {
-    if (disc_)
-        disc_->NoteCursors(reversePlayCursor, reverseWriteCursor);
-}
-
-void CRynDeck::NoteForwardCursors(int playCursor, int writeCursor) {
-    if (!disc_)
-        return;
-    // The elapsed time counts the bytes played since the last notification.
-    if (lastPlayCursor_ >= 0 && !reverse_) {
-        int played = playCursor - lastPlayCursor_;
-        if (played < 0)
-            played += kOutputRingBlocks * kBlockBytes;
-        elapsedSeconds_ += double(played) / (double(Rate()) * 4.0);
-    }
-    lastPlayCursor_ = playCursor;
-    if (!disc_->NoteForwardCursors(playCursor, writeCursor)) {
-        OnTrackEnded();
-        return;
-    }
-    if (endOfTrackPending_ && blocksUntilTrackEnd_ <= 0)
-        OnEndHeard();
-}
-
 // ------------------------------------------------------------ messages
 
 LResult CRynDeck::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
     LResult result = 0;
-    if (disc_ && disc_->HandleMessage(msg, wParam, lParam, &result))
+    if (transport_ && Disc().HandleMessage(msg, wParam, lParam, &result))
         return result;
     switch (msg) {
         case UWM_END_OF_TRACK:

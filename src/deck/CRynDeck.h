@@ -4,10 +4,12 @@
 // reader); only a rotating turntable fills the disc buffer, only a dropped
 // needle makes the deck audible.
 //
-// The window is split by concern over several files:
-//   CRynDeck.cpp           controls, wiring, messages, timers, the mix cycle's
-//                          side (MixerDeck)
-//   CRynDeckTransport.cpp  turntable and needle, reverse, wind, reposition, the
+// The engine side (what the main mixer's mix cycle asks of the deck, the
+// disc buffer, elapsed time, the end-of-track countdown) is the deck's
+// DeckTransport; the window tells it what the user did and draws what it
+// reports. The window is split by concern over several files:
+//   CRynDeck.cpp           controls, wiring, messages, timers
+//   CRynDeckTurntable.cpp  turntable and needle, reverse, wind, reposition, the
 //                          progress slide, the time display, track ended
 //   CRynDeckLoading.cpp    loading, previous/next, end of track, eject, CD
 //                          drive selection, deck mode
@@ -16,7 +18,7 @@
 // reads "start" while the turntable is stopped, drop/lift reads "drop" while
 // the needle is up, the mode button shows the current mode ("CD"/"File").
 // Everything runs on the user-interface thread; the reader threads reach the
-// deck only by messages.
+// deck only by messages (the sources' end-of-track handlers send one too).
 #pragma once
 
 #include <QColor>
@@ -27,7 +29,6 @@
 
 #include "core/CRynWindow.h"
 #include "deck/disc/DeckInfoStats.h"
-#include "deck/transport/MixerDeck.h"
 
 class CNiButton;
 class CNiSlide;
@@ -39,11 +40,12 @@ class CRynFileDecoder;
 class CRynPlayList;
 class DeckSource;
 class DeckTempoPanel;
+class DeckTransport;
 class PlayList;
 class QComboBox;
 class QLabel;
 
-class CRynDeck : public CRynWindow, public MixerDeck {
+class CRynDeck : public CRynWindow {
     Q_OBJECT
   public:
     static constexpr int kTemplateId = 131;
@@ -81,7 +83,9 @@ class CRynDeck : public CRynWindow, public MixerDeck {
     PlayList& List();
     CRynFileDecoder& Decoder() { return *decoder_; }
     DeckSource& Source() { return *source_; }
-    CRynDiscBuffer& Disc() { return *disc_; }
+    // The engine side, from Initialise on; the main mixer's mix cycle binds it.
+    DeckTransport& Transport() { return *transport_; }
+    CRynDiscBuffer& Disc();
     DeckTempoPanel& Tempo() { return *tempo_; }
 
     // The deck's two colours: `which` 0 is its main colour, 1 its dark shade.
@@ -92,7 +96,7 @@ class CRynDeck : public CRynWindow, public MixerDeck {
     // Shutdown: the deck's file decoder is closed.
     void CloseDecoder();
 
-    // --- Transport (CRynDeckTransport.cpp) ---
+    // --- Turntable (CRynDeckTurntable.cpp) ---
     void StartTurntable();
     void StopTurntable();
     void DropNeedle();
@@ -129,17 +133,6 @@ class CRynDeck : public CRynWindow, public MixerDeck {
     // --- Tempo ---
     void ApplyTempo();
 
-    // --- The mix cycle's side ---
-    int FillBlock(int writeBlockIndex, std::uint8_t* dest) override;
-    int BlocksAhead() const override;
-    void NoteForwardCursors(int playCursor, int writeCursor) override;
-    void NoteCursors(int reversePlayCursor, int reverseWriteCursor) override;
-    bool IsReverse() const override { return reverse_; }
-    bool IsTurning() const override;
-    void BlockFallsDue() override;
-    void OnPrimed() override;
-    double NominalRate() const override;
-
     // --- What the user sees (tests read these) ---
     QString TrackNameText() const;
     QString TrackNumberText() const;
@@ -148,10 +141,12 @@ class CRynDeck : public CRynWindow, public MixerDeck {
     double ProgressValue() const;
     QColor ProgressColour() const;
     bool TrackEnded() const { return trackEnded_; }
-    bool EndOfTrackPending() const { return endOfTrackPending_; }
-    int BlocksUntilTrackEnd() const { return blocksUntilTrackEnd_; }
-    double ElapsedSeconds() const { return elapsedSeconds_; }
-    bool Primed() const { return primed_; }
+    // What the transport reports.
+    bool IsReverse() const;
+    bool EndOfTrackPending() const;
+    int BlocksUntilTrackEnd() const;
+    double ElapsedSeconds() const;
+    bool Primed() const;
     CNiButton* StartStopButton() const { return startStop_; }
     CNiButton* DropLiftButton() const { return dropLift_; }
     CNiButton* ModeButton() const { return modeButton_; }
@@ -212,22 +207,16 @@ class CRynDeck : public CRynWindow, public MixerDeck {
     std::unique_ptr<CRynFileDecoder> decoder_;
     std::unique_ptr<DeckSource> source_;
     DeckInfoStats ownStats_;  // when no information window is given
-    std::unique_ptr<CRynDiscBuffer> disc_;
+    std::unique_ptr<DeckTransport> transport_;
 
-    // Deck fields.
-    bool reverse_ = false;
-    double elapsedSeconds_ = 0;
+    // Window state.
     bool progressFollowsPlay_ = true;
-    bool endOfTrackPending_ = false;
-    int blocksUntilTrackEnd_ = 0;
     bool trackEnded_ = false;
     int savedDriveItem_ = 0;
     int redropCount_ = 0;
-    bool primed_ = false;
     bool blinkRed_ = false;
     bool windForward_ = false;
     bool windBack_ = false;
-    int lastPlayCursor_ = -1;  // bytes, for the elapsed count
 
     // Controls.
     CNiButton* startStop_ = nullptr;

@@ -12,6 +12,7 @@
 #include "deck/CRynDeck.h"
 #include "deck/disc/CRynDiscBuffer.h"
 #include "deck/source/DeckSource.h"
+#include "deck/transport/DeckTransport.h"
 #include "playlist/PlayList.h"
 #include "settings/CRynSettings.h"
 #include "sources/AudioFormats.h"
@@ -26,27 +27,22 @@ int CRynDeck::LoadTrack() {
     // The forward reader reads the decoder on its own thread: it must have
     // ended before the decoder closes and opens the next file. Reposition
     // below starts it again while the turntable turns.
-    disc_->SetRunning(false);
-    disc_->StopForwardReader();
-    disc_->StopBackwardReader();
-    disc_->JoinBackwardReader();
+    transport_->StopAllReaders();
     const DeckSource::LoadStatus status = source_->LoadCurrent();
     if (status != DeckSource::LoadStatus::Ok) {
         SetTrackName(QString::fromUtf8(DeckSource::LoadFailureText(status)));
         // A turning turntable keeps reading whatever the source now holds.
-        if (Rotating()) {
-            lastPlayCursor_ = -1;
-            disc_->StartForwardReader();
-        }
+        if (Rotating())
+            transport_->StartReading();
         return -1;
     }
     progressFollowsPlay_ = false;
     StopBlink();
-    elapsedSeconds_ = 0;
+    transport_->SetElapsedSeconds(0);
     progress_->SetValue(0.0);
     Reposition(0.0);
     RefreshTrackInfo();
-    disc_->ResetDeliveryMarkers();
+    Disc().ResetDeliveryMarkers();
     startStop_->setEnabled(true);
     progressFollowsPlay_ = true;
     return 0;
@@ -87,13 +83,11 @@ void CRynDeck::RefreshTrackNumber() {
 // ------------------------------------------------------------ end of track
 
 LResult CRynDeck::OnEndOfTrack() {
-    if (endOfTrackPending_)
+    if (transport_->EndOfTrackPending())
         return 0;
     const bool joined = source_->OpenNextForJoin();
-    // What is still to be heard of this track: the blocks written ahead and
-    // those waiting in the disc buffer.
-    blocksUntilTrackEnd_ = BlocksAhead() + Stats().ForwardCount();
-    endOfTrackPending_ = true;
+    // The transport counts down what is still to be heard of this track.
+    transport_->BeginEndOfTrack();
     StartBlink();
     return joined ? 1 : 0;
 }
@@ -104,18 +98,18 @@ void CRynDeck::OnEndHeard() {
         case DeckSource::EndHeard::Ended:
             break;
         case DeckSource::EndHeard::RanOn:
-            elapsedSeconds_ = 0;
+            transport_->SetElapsedSeconds(0);
             RefreshTrackInfo();
             break;
         case DeckSource::EndHeard::RanOnNewRate: {
-            elapsedSeconds_ = 0;
+            transport_->SetElapsedSeconds(0);
             RefreshTrackInfo();
             // The output is rebuilt at the new file's rate.
             const int rate = source_->Rate();
             PostAppMessageRetry(mainMixer_, UWM_STOP_DECK, deck_, rate);
             PostAppMessageRetry(mainMixer_, UWM_CREATE_DECK_BUFFERS, deck_, rate);
             PostAppMessageRetry(mainMixer_, UWM_START_FORWARD_THREAD, deck_, 0);
-            lastPlayCursor_ = -1;
+            transport_->RestartElapsedCount();
             break;
         }
         case DeckSource::EndHeard::LoadNext:

@@ -4,8 +4,6 @@
 #include <cmath>
 #include <cstring>
 
-#include "core/AppMessages.h"
-#include "core/EngineState.h"
 #include "platform/cd/LibCdioBackend.h"
 
 static_assert(CRynCdAudio::kReadBytes == kBlockBytes, "one read fills one disc-buffer slot");
@@ -27,6 +25,11 @@ CRynCdAudio::CRynCdAudio(std::unique_ptr<cd::CdBackend> backend, std::unique_ptr
     }
     if (!drives_.empty())
         readBuffers_.resize(kDecks);
+}
+
+void CRynCdAudio::SetEndOfTrackHandler(int deck, EndOfTrackHandler handler) {
+    if (deck >= 0 && deck < kDecks)
+        onEndOfTrack_[static_cast<std::size_t>(deck)] = std::move(handler);
 }
 
 CRynCdAudio::~CRynCdAudio() {
@@ -270,8 +273,8 @@ std::int32_t CRynCdAudio::ReadBlock(int deck, int drive, std::uint8_t* destinati
     }
     if (atEnd) {
         endOfTrack = true;
-        SendAppMessage(Engine().decks[static_cast<std::size_t>(deck)].deckWindow, UWM_END_OF_TRACK,
-                       0, 0);
+        if (const EndOfTrackHandler& tell = onEndOfTrack_[static_cast<std::size_t>(deck)])
+            tell();
     }
 
     // 3. Read from the address as it now stands.

@@ -11,13 +11,14 @@
 // Threads: ReadBlock runs on the decks' reader threads, everything else on
 // the window thread. A drive belongs to one deck at a time; each deck reads
 // through a buffer of its own, and a per-drive lock keeps a drive's handle
-// and table of contents steady while a read uses them. The end-of-track
-// message is sent with no lock held, so the deck may change track in answer.
+// and table of contents steady while a read uses them. A deck's end-of-track
+// handler is called with no lock held, so the deck may change track in it.
 #pragma once
 
 #include <array>
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -25,7 +26,7 @@
 
 #include "core/PcmFormat.h"
 #include "platform/cd/CdBackend.h"
-#include "sources/CRynCdAudioClock.h"
+#include "sources/CdClock.h"
 
 class CRynCdAudio {
   public:
@@ -94,14 +95,20 @@ class CRynCdAudio {
     // Reads the block at the current address into destination (4704 bytes)
     // for deck 0 or 1. Paces the drive to one read per 10 ms; at addresses
     // e - 1 and e (e = end of the current track) sets endOfTrack and first
-    // sends UWM_END_OF_TRACK to the deck's window (which may change the
-    // track); then reads from the address as it then stands, up to 10
+    // calls the deck's end-of-track handler (which may change the track);
+    // then reads from the address as it then stands, up to 10
     // attempts 1 ms apart. On success copies the sectors read, advances the
     // address by them and returns kOk; a read stops at the lead-out or a data
     // track, and the rest of the block is then silence. kUnexpected when
     // every attempt failed, nothing is left to read there, or the drive is
     // not open: destination and address are then untouched.
     std::int32_t ReadBlock(int deck, int drive, std::uint8_t* destination, bool& endOfTrack);
+    // Deck 0 or 1's end-of-track handler, called by ReadBlock on that deck's
+    // reader thread with no lock held; it may change the drive's track before
+    // the read goes on. Install it (window thread) before the deck's reader
+    // runs; another deck index is ignored.
+    using EndOfTrackHandler = std::function<void()>;
+    void SetEndOfTrackHandler(int deck, EndOfTrackHandler handler);
 
     // ---- Names (filled by the CDDB lookup; empty until then)
     std::string DiscTitle(int drive) const;
@@ -141,4 +148,5 @@ class CRynCdAudio {
     // One read buffer per deck, so two decks on two drives never share one;
     // allocated only when there is a drive.
     std::vector<std::array<std::uint8_t, kReadBytes>> readBuffers_;
+    std::array<EndOfTrackHandler, kDecks> onEndOfTrack_;
 };

@@ -5,8 +5,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "core/AppMessages.h"
-#include "sources/CRynFileDecoderConvert.h"
+#include "sources/StereoConvert.h"
 
 namespace {
 
@@ -64,7 +63,7 @@ void CRynFileDecoder::Close() {
     std::memset(blockBuffer_, 0, sizeof blockBuffer_);
 }
 
-std::int32_t CRynFileDecoder::ReadBlock(int deck, std::uint8_t* destination, int& bytesDelivered,
+std::int32_t CRynFileDecoder::ReadBlock(std::uint8_t* destination, int& bytesDelivered,
                                         bool& endOfStream) {
     if (!open_ || !destination)
         return kUnexpected;
@@ -78,11 +77,9 @@ std::int32_t CRynFileDecoder::ReadBlock(int deck, std::uint8_t* destination, int
     // The track has ended inside this block: ask the deck for the next one
     // and carry on from it in the same block. A following track shorter
     // than the rest of the block leads to another question.
-    const WindowHandle window =
-        deck >= 0 && deck < kDeckCount ? Engine().decks[deck].deckWindow : 0;
     for (int joins = 0; joins < kMaxJoinsPerBlock && filled < kBlockFrames; ++joins) {
-        const LResult answer = SendAppMessage(window, UWM_END_OF_TRACK, 0, 0);
-        // The deck's handler has run Open on this decoder when it answered nonzero.
+        const int answer = onEndOfTrack_ ? onEndOfTrack_() : 0;
+        // The handler has run Open on this decoder when it answered nonzero.
         if (answer == 0 || !open_) {
             Close();
             return kOk;
@@ -101,7 +98,7 @@ int CRynFileDecoder::ReadFrames(std::uint8_t* destination, int offset, int frame
     const int bytesPerFrame = format_.BytesPerFrame();
     const int got = source_->Read(blockBuffer_, frames * bytesPerFrame);
     const int n = std::clamp(got / bytesPerFrame, 0, frames);
-    filedecoder::ConvertToStereo16(blockBuffer_, format_, n, scratch_);
+    stereoconvert::ConvertToStereo16(blockBuffer_, format_, n, scratch_);
     std::memcpy(destination + std::size_t(offset) * 4, scratch_, std::size_t(n) * 4);
     Advance(n);
     return n;

@@ -6,10 +6,10 @@
 // delivers 48000 Hz blocks and SampleRate() says so).
 //
 // Every block holds 1176 source frames; the last one of a file is padded
-// with silence and flagged endOfStream. At that point the deck window is
-// asked (UWM_END_OF_TRACK, sent) whether a following track goes on; when it
-// answers nonzero it has opened that track in this same decoder, and the
-// block is completed from the new file so that no silence falls between
+// with silence and flagged endOfStream. At that point the end-of-track
+// handler the deck installed is asked whether a following track goes on;
+// when it answers nonzero it has opened that track in this same decoder, and
+// the block is completed from the new file so that no silence falls between
 // the tracks.
 //
 // Positions: the byte position counts 176400 bytes a second of sound (the
@@ -18,18 +18,20 @@
 // decoder keeps the stream's frame number, so Rewind moves back exactly the
 // blocks that were delivered.
 //
-// Threads: Open, Close, SeekFraction and the queries run on the deck
-// window's thread; ReadBlock and Rewind on the deck's reader threads. The
+// Threads: Open, Close, SeekFraction, SetEndOfTrackHandler and the queries
+// run on the deck window's thread; ReadBlock and Rewind on the deck's reader
+// threads. The
 // decoder has no lock: the deck keeps the two apart. IsOnRemovableDrive may
 // be asked from any thread (the play lists' duration probes).
 #pragma once
 
 #include <atomic>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 
-#include "core/EngineState.h"
+#include "core/PcmFormat.h"
 #include "platform/media/MediaSource.h"
 #include "platform/media/RemovableDrive.h"
 
@@ -56,14 +58,21 @@ class CRynFileDecoder {
     // decode; the decoder is then closed.
     bool Open(const std::string& fileName);
 
+    // Asked, on the thread that runs ReadBlock, each time the open track ends
+    // inside a block: nonzero means the handler has opened the following
+    // track in this decoder (it runs Open before it answers) and the block
+    // goes on from it; 0 means no track follows. Without a handler no track
+    // follows. Install it before a reader runs ReadBlock.
+    using EndOfTrackHandler = std::function<int()>;
+    void SetEndOfTrackHandler(EndOfTrackHandler handler) { onEndOfTrack_ = std::move(handler); }
+
     // Fills destination (4704 bytes, any alignment) with the next block.
     // bytesDelivered: bytes of sound of the track that was open when the
     // call began (4 per frame, 4704 for a full block); endOfStream: the
     // stream ran out in this block and no following track took over (the
     // decoder has then closed itself). kOk, or kUnexpected when nothing is
-    // open. `deck` (0 or 1) selects the window asked about a following track.
-    std::int32_t ReadBlock(int deck, std::uint8_t* destination, int& bytesDelivered,
-                           bool& endOfStream);
+    // open.
+    std::int32_t ReadBlock(std::uint8_t* destination, int& bytesDelivered, bool& endOfStream);
 
     // Moves back `blocks` blocks (1176 frames each), not before the start;
     // the byte position goes back by blocks x 4704 at 44100 Hz (by the same
@@ -129,4 +138,5 @@ class CRynFileDecoder {
 
     std::unique_ptr<media::MediaSource> source_;
     bool open_ = false;
+    EndOfTrackHandler onEndOfTrack_;
 };

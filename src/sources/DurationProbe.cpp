@@ -1,9 +1,10 @@
 #include "sources/DurationProbe.h"
 
-#include "core/EngineState.h"
 #include "sources/CRynFileDecoder.h"
 
-DurationProbe::DurationProbe(int deck) : deck_(deck < 0 || deck >= kDeckCount ? 0 : deck) {}
+DurationProbe::DurationProbe(DeckSharedState& deck,
+                             const std::array<DeckSharedState, kDeckCount>& allDecks)
+    : deck_(deck), allDecks_(allDecks) {}
 
 DurationProbe::~DurationProbe() {
     Stop();
@@ -12,15 +13,15 @@ DurationProbe::~DurationProbe() {
 void DurationProbe::Start() {
     if (thread_.joinable())
         return;
-    Engine().decks[deck_].playListThreadRun.store(1);
+    deck_.playListThreadRun.store(1);
     thread_ = std::thread([this] { Run(); });
 }
 
 void DurationProbe::Stop() {
     if (!thread_.joinable())
         return;
-    Engine().decks[deck_].playListThreadRun.store(0);
-    Engine().decks[deck_].playListWakeEvent.Set();
+    deck_.playListThreadRun.store(0);
+    deck_.playListWakeEvent.Set();
     thread_.join();
 }
 
@@ -30,11 +31,11 @@ void DurationProbe::SetFileName(const std::string& path) {
 }
 
 void DurationProbe::Wake() {
-    Engine().decks[deck_].playListWakeEvent.Set();
+    deck_.playListWakeEvent.Set();
 }
 
-bool DurationProbe::RemovableDrivePlaying() {
-    for (auto& deck : Engine().decks) {
+bool DurationProbe::RemovableDrivePlaying() const {
+    for (const DeckSharedState& deck : allDecks_) {
         if (deck.decoder && deck.isPlaying.load() != 0 && deck.sourceType.load() == 1 &&
             deck.decoder->IsOnRemovableDrive())
             return true;
@@ -43,10 +44,9 @@ bool DurationProbe::RemovableDrivePlaying() {
 }
 
 void DurationProbe::Run() {
-    DeckSharedState& shared = Engine().decks[deck_];
     for (;;) {
-        shared.playListWakeEvent.Wait();
-        if (shared.playListThreadRun.load() == 0)
+        deck_.playListWakeEvent.Wait();
+        if (deck_.playListThreadRun.load() == 0)
             break;
         if (RemovableDrivePlaying())
             continue;

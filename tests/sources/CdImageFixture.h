@@ -15,7 +15,7 @@
 #include <mutex>
 #include <vector>
 
-#include "sources/CRynCdAudioClock.h"
+#include "sources/CdClock.h"
 
 class CRynCdAudio;
 

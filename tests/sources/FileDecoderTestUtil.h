@@ -15,14 +15,14 @@ struct Stream {
     bool paddedWithZeros = true;        // the final block is silent after its sound
 };
 
-// Reads blocks until endOfStream (at most maxBlocks) for deck `deck`.
-inline Stream ReadToEnd(CRynFileDecoder& d, int deck = 0, int maxBlocks = 1000000) {
+// Reads blocks until endOfStream (at most maxBlocks).
+inline Stream ReadToEnd(CRynFileDecoder& d, int maxBlocks = 1000000) {
     Stream s;
     std::uint8_t block[kBlockBytes];
     for (int i = 0; i < maxBlocks; ++i) {
         int bytes = -1;
         bool end = false;
-        if (d.ReadBlock(deck, block, bytes, end) != CRynFileDecoder::kOk)
+        if (d.ReadBlock(block, bytes, end) != CRynFileDecoder::kOk)
             break;
         ++s.blocks;
         const int keep = end ? bytes : kBlockBytes;

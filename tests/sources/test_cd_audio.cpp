@@ -1,6 +1,6 @@
 // CRynCdAudio on a generated CUE/BIN image read through libcdio: drives,
 // table of contents, positions, bit-exact blocks with and without error
-// correction, and the end-of-track message to the deck window.
+// correction, and the end-of-track handler that tells the deck window.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -33,13 +33,17 @@ class DeckWindowSink : public MessageSink {
     std::function<void()> onEndOfTrack;
 };
 
-// Points a deck's window handle at a sink for the life of the test.
+// Installs a deck's end-of-track handler the way the deck does (it sends
+// UWM_END_OF_TRACK to the deck's window), for the life of the test.
 class DeckWindowGuard {
   public:
-    DeckWindowGuard(int deck, WindowHandle h) : deck_(deck) { Engine().decks[deck].deckWindow = h; }
-    ~DeckWindowGuard() { Engine().decks[deck_].deckWindow = 0; }
+    DeckWindowGuard(CRynCdAudio& reader, int deck, WindowHandle h) : reader_(reader), deck_(deck) {
+        reader_.SetEndOfTrackHandler(deck, [h] { SendAppMessage(h, UWM_END_OF_TRACK, 0, 0); });
+    }
+    ~DeckWindowGuard() { reader_.SetEndOfTrackHandler(deck_, nullptr); }
 
   private:
+    CRynCdAudio& reader_;
     int deck_;
 };
 
@@ -160,7 +164,7 @@ TEST(CdAudio, BlocksAreBitExactWithAndWithoutErrorCorrection) {
     ASSERT_GE(r.drive, 0);
     ASSERT_TRUE(r.reader->OpenDrive(r.drive));
     DeckWindowSink deck;
-    DeckWindowGuard guard(0, deck.Handle());
+    DeckWindowGuard guard(*r.reader, 0, deck.Handle());
 
     for (bool corrected : {false, true}) {
         SCOPED_TRACE(corrected ? "error correction" : "plain reads");
@@ -203,7 +207,7 @@ TEST(CdAudio, EndOfTrackReachesTheDeckBeforeTheRead) {
     const int d = r.drive;
     ASSERT_TRUE(reader.OpenDrive(d));
     DeckWindowSink deckA, deckB;
-    DeckWindowGuard guardA(0, deckA.Handle()), guardB(1, deckB.Handle());
+    DeckWindowGuard guardA(reader, 0, deckA.Handle()), guardB(reader, 1, deckB.Handle());
 
     // Track 3 ends at e, where the data track starts.
     const std::int32_t e = r.image.End(3);

@@ -17,7 +17,7 @@ TEST(DurationProbe, MeasuresFilesAndReportsDone) {
         testsupport::MakeTone("dp_tone.mp3", 800, 3, 44100, 2, {"-c:a", "libmp3lame"});
     const QString ogg =
         testsupport::MakeTone("dp_tone.ogg", 800, 7.5, 44100, 2, {"-c:a", "libvorbis"});
-    DurationProbe probe(1);
+    DurationProbe probe(Engine().decks[1], Engine().decks);
     probe.Start();
     EXPECT_EQ(Engine().decks[1].playListThreadRun.load(), 1);
     EXPECT_EQ(probe.Result(), -1.0f);
@@ -60,7 +60,7 @@ TEST(DurationProbe, LeavesARemovableDriveAloneWhileItPlays) {
     deckA.sourceType = 1;
     deckA.isPlaying = 1;
 
-    DurationProbe probe(1);
+    DurationProbe probe(Engine().decks[1], Engine().decks);
     probe.Start();
     probe.Request(track.toStdString());
     // The probe takes the request and lets it go.

@@ -9,10 +9,11 @@
 
 #include "FileDecoderTestUtil.h"
 #include "TestSupport.h"
+#include "core/EngineState.h"
 #include "platform/media/MediaFixtures.h"
 #include "platform/media/NullMediaSource.h"
 #include "sources/CRynFileDecoder.h"
-#include "sources/CRynFileDecoderConvert.h"
+#include "sources/StereoConvert.h"
 
 using filedecodertest::ReadToEnd;
 using testsupport::MakeTone;
@@ -126,7 +127,7 @@ TEST(FileDecoder, ConversionRoundsAndClips) {
                             -1.0f,
                             std::numeric_limits<float>::quiet_NaN(),
                             1.0f};
-    filedecoder::ConvertToStereo16(reinterpret_cast<const std::uint8_t*>(floats), f, 4, out);
+    stereoconvert::ConvertToStereo16(reinterpret_cast<const std::uint8_t*>(floats), f, 4, out);
     const std::int16_t want[] = {32767, -32768, 0, 0, 32767, -32768, 0, 32767};
     for (int i = 0; i < 8; ++i)
         EXPECT_EQ(out[i], want[i]) << i;
@@ -136,7 +137,7 @@ TEST(FileDecoder, ConversionRoundsAndClips) {
                                  0x00008000,  0x00007FFF,
                                  -0x00008000, -0x00008001,
                                  0x12345678,  0};
-    filedecoder::ConvertToStereo16(reinterpret_cast<const std::uint8_t*>(ints), f, 4, out);
+    stereoconvert::ConvertToStereo16(reinterpret_cast<const std::uint8_t*>(ints), f, 4, out);
     const std::int16_t want32[] = {32767, -32768, 1, 0, 0, -1, 0x1234, 0};
     for (int i = 0; i < 8; ++i)
         EXPECT_EQ(out[i], want32[i]) << i;
@@ -144,7 +145,7 @@ TEST(FileDecoder, ConversionRoundsAndClips) {
     f.channels = 1;
     f.type = media::SampleType::U8;
     const std::uint8_t bytes[] = {0, 128, 255, 129};
-    filedecoder::ConvertToStereo16(bytes, f, 4, out);
+    stereoconvert::ConvertToStereo16(bytes, f, 4, out);
     const std::int16_t want8[] = {-32768, -32768, 0, 0, 32512, 32512, 256, 256};
     for (int i = 0; i < 8; ++i)
         EXPECT_EQ(out[i], want8[i]) << i;
@@ -160,7 +161,7 @@ TEST(FileDecoder, BadFilesAreRefusedQuietly) {
     EXPECT_EQ(d.DurationSeconds(), 0.0);
     EXPECT_EQ(d.ElapsedSeconds(), 0.0);
     EXPECT_EQ(d.SampleRate(), 44100);
-    EXPECT_EQ(d.ReadBlock(0, block, bytes, end), CRynFileDecoder::kUnexpected);
+    EXPECT_EQ(d.ReadBlock(block, bytes, end), CRynFileDecoder::kUnexpected);
     EXPECT_EQ(CRynFileDecoder::kUnexpected, std::int32_t(0x8000FFFF));
 
     EXPECT_FALSE(d.Open(""));
@@ -169,7 +170,7 @@ TEST(FileDecoder, BadFilesAreRefusedQuietly) {
     EXPECT_FALSE(d.Open(mediafixtures::TextFile("fd_readme.wav", "not a sound\n").toStdString()));
     EXPECT_FALSE(d.Open("/dev/null"));
     EXPECT_FALSE(d.IsOpen());
-    EXPECT_EQ(d.ReadBlock(0, block, bytes, end), CRynFileDecoder::kUnexpected);
+    EXPECT_EQ(d.ReadBlock(block, bytes, end), CRynFileDecoder::kUnexpected);
     d.Rewind(3);
     d.SeekFraction(0.5f);
     EXPECT_EQ(d.ElapsedSeconds(), 0.0);
@@ -190,6 +191,6 @@ TEST(FileDecoder, BadFilesAreRefusedQuietly) {
     CRynFileDecoder failing{std::unique_ptr<media::MediaSource>(null)};
     EXPECT_FALSE(failing.Open(full.toStdString()));
     EXPECT_EQ(null->openAttempts, 1);
-    EXPECT_EQ(failing.ReadBlock(0, block, bytes, end), CRynFileDecoder::kUnexpected);
+    EXPECT_EQ(failing.ReadBlock(block, bytes, end), CRynFileDecoder::kUnexpected);
     EXPECT_EQ(failing.DurationSeconds(), 0.0);
 }

@@ -10,6 +10,7 @@
 #include "FileDecoderTestUtil.h"
 #include "TestSupport.h"
 #include "core/CRynWindow.h"
+#include "core/EngineState.h"
 #include "platform/media/MediaFixtures.h"
 #include "sources/CRynFileDecoder.h"
 
@@ -35,12 +36,11 @@ struct Block {
     int delivered = -1;
     bool end = false;
     std::int32_t status = -1;
-    void Read(CRynFileDecoder& d, int deck = 0) {
-        status = d.ReadBlock(deck, bytes, delivered, end);
-    }
+    void Read(CRynFileDecoder& d) { status = d.ReadBlock(bytes, delivered, end); }
 };
 
-// The deck window as far as the decoder sees it: on UWM_END_OF_TRACK it
+// The deck window as far as the decoder sees it, through the end-of-track
+// handler the deck installs (it sends UWM_END_OF_TRACK): the window
 // opens its next file in the decoder and answers 1, or answers 0 when it
 // has none left.
 class DeckStandIn : public MessageSink {
@@ -60,6 +60,12 @@ class DeckStandIn : public MessageSink {
     bool answerEvenIfNotOpened = false;
     std::atomic<int> endOfTrackMessages{0};
 };
+
+// Installs the deck's end-of-track handler on `d`: it asks `window`.
+void AskWindowAtEnd(CRynFileDecoder& d, WindowHandle window) {
+    d.SetEndOfTrackHandler(
+        [window] { return static_cast<int>(SendAppMessage(window, UWM_END_OF_TRACK, 0, 0)); });
+}
 
 }  // namespace
 
@@ -201,7 +207,7 @@ TEST(FileDecoderEdges, GaplessJoinIntoTheNextTrack) {
     CRynFileDecoder d;
     DeckStandIn deck;
     deck.decoder = &d;
-    Engine().decks[1].deckWindow = deck.Handle();
+    AskWindowAtEnd(d, deck.Handle());
 
     // On the deck window's own thread the message is a direct call.
     deck.next = {second.toStdString()};
@@ -209,7 +215,7 @@ TEST(FileDecoderEdges, GaplessJoinIntoTheNextTrack) {
     Block b;
     std::vector<std::uint8_t> got;
     for (int i = 0; i < 3; ++i) {
-        b.Read(d, 1);
+        b.Read(d);
         ASSERT_EQ(b.status, CRynFileDecoder::kOk);
         got.insert(got.end(), b.bytes, b.bytes + kBlockBytes);
     }
@@ -220,7 +226,7 @@ TEST(FileDecoderEdges, GaplessJoinIntoTheNextTrack) {
     EXPECT_EQ(d.FileName(), second.toStdString());
     EXPECT_EQ(d.BytePosition(), kBlockBytes - 1000);
     for (;;) {
-        b.Read(d, 1);
+        b.Read(d);
         ASSERT_EQ(b.status, CRynFileDecoder::kOk);
         got.insert(got.end(), b.bytes, b.bytes + (b.end ? b.delivered : kBlockBytes));
         if (b.end)
@@ -239,7 +245,7 @@ TEST(FileDecoderEdges, GaplessJoinIntoTheNextTrack) {
     std::atomic<bool> done{false};
     filedecodertest::Stream s;
     std::thread reader([&] {
-        s = ReadToEnd(d, 1);
+        s = ReadToEnd(d);
         done = true;
     });
     ASSERT_TRUE(testsupport::WaitFor([&] { return done.load(); }, 30000));
@@ -255,7 +261,7 @@ TEST(FileDecoderEdges, GaplessJoinIntoTheNextTrack) {
     deck.next = {"/nonexistent/next.mp3"};
     deck.answerEvenIfNotOpened = true;
     ASSERT_TRUE(d.Open(first.toStdString()));
-    const auto s2 = ReadToEnd(d, 1);
+    const auto s2 = ReadToEnd(d);
     EXPECT_EQ(deck.endOfTrackMessages, 1);
     EXPECT_EQ(s2.lastBytes, 1000);
     EXPECT_TRUE(s2.paddedWithZeros);
@@ -264,8 +270,8 @@ TEST(FileDecoderEdges, GaplessJoinIntoTheNextTrack) {
     // Another deck's window is not asked.
     deck.endOfTrackMessages = 0;
     deck.next = {second.toStdString()};
+    AskWindowAtEnd(d, Engine().decks[0].deckWindow);
     ASSERT_TRUE(d.Open(first.toStdString()));
-    ReadToEnd(d, 0);
+    ReadToEnd(d);
     EXPECT_EQ(deck.endOfTrackMessages, 0);
-    Engine().decks[1].deckWindow = 0;
 }

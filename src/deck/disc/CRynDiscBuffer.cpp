@@ -1,9 +1,9 @@
 #include "deck/disc/CRynDiscBuffer.h"
 
-#include <QCoreApplication>
 #include <cstring>
 
 #include "core/ThreadPriority.h"
+#include "deck/disc/DeckBlockRoutine.h"
 #include "deck/disc/DeckBlockSource.h"
 
 namespace {
@@ -72,23 +72,19 @@ int CRynDiscBuffer::FillBlock(int outputSlot, std::uint8_t* dest) {
         routine_->Process(outputSlot, reinterpret_cast<std::int16_t*>(dest), analysis);
     }
 
-    ++consumed_;
+    // The slot goes back to its reader, which is woken every ten blocks.
     if (!reverse_) {
         shared_.forwardFilled[forwardPlay_].store(0);
         stats_.HandInForwardFlags(shared_.forwardFilled);
         forwardPlay_ = (forwardPlay_ + 1) % kForwardDiscBlocks;
-        if (consumed_ > kWakeEvery - 1) {
-            consumed_ = 0;
-            shared_.forwardWakeEvent.Set();
-        }
     } else {
         shared_.backwardFilled[backwardPlay_].store(0);
         stats_.HandInBackwardFlags(shared_.backwardFilled);
         backwardPlay_ = (backwardPlay_ + 1) % kBackwardDiscBlocks;
-        if (consumed_ > kWakeEvery - 1) {
-            consumed_ = 0;
-            shared_.backwardWakeEvent.Set();
-        }
+    }
+    if (++consumed_ > kWakeEvery - 1) {
+        consumed_ = 0;
+        (reverse_ ? shared_.backwardWakeEvent : shared_.forwardWakeEvent).Set();
     }
     return kDelivered;
 }
@@ -184,10 +180,11 @@ void CRynDiscBuffer::StartForwardReader() {
     forwardPlay_ = 0;
     running_ = true;
     shared_.forwardReaderRun.store(1);
-    forwardFinished_.store(false);
     forwardAlive_.store(true);
     priority_.store(ReaderPriority::AboveNormal);
-    forwardThread_ = std::thread([this] { ForwardReaderMain(); });
+    // The reader sets its own priority (ApplyOwnPriority) as it goes.
+    forwardReader_.Start(ReaderName("forward"), ThreadPriority::Normal,
+                         [this](const std::atomic<bool>&) { ForwardReaderMain(); });
     watchdog_.start();
     if (readerTimerHook_)
         readerTimerHook_(true);
@@ -200,21 +197,10 @@ void CRynDiscBuffer::StopForwardReader() {
     ResumeAfterSuspend();
     shared_.forwardReaderRun.store(0);
     shared_.forwardWakeEvent.Set();
-    // Serve the deck window's queue until the reader's last message has
-    // cleared the handle; the reader may be blocked in a send to it.
-    while (forwardAlive_.load()) {
-        if (forwardFinished_.load())
-            break;  // its last message found no window
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
-        std::this_thread::yield();
-    }
-    JoinForward();
-}
-
-void CRynDiscBuffer::JoinForward() {
-    if (forwardThread_.joinable())
-        forwardThread_.join();
+    // The reader may be blocked in a send to the deck window: the join serves
+    // this thread's messages until the reader has ended. Its last message has
+    // then cleared the handle, unless it found no window.
+    forwardReader_.Join();
     forwardAlive_.store(false);
 }
 
@@ -225,11 +211,8 @@ void CRynDiscBuffer::StartBackwardReader() {
     shared_.backwardWakeEvent.Reset();
     backwardPlay_ = 0;
     shared_.backwardReaderRun.store(1);
-    backwardFinished_.store(false);
-    backwardThread_ = std::thread([this] {
-        BackwardReaderMain();
-        backwardFinished_.store(true);
-    });
+    backwardReader_.Start(ReaderName("backward"), ThreadPriority::Normal,
+                          [this](const std::atomic<bool>&) { BackwardReaderMain(); });
 }
 
 void CRynDiscBuffer::StopBackwardReader() {
@@ -238,14 +221,12 @@ void CRynDiscBuffer::StopBackwardReader() {
 }
 
 void CRynDiscBuffer::JoinBackwardReader() {
-    // The backward reader's sends are served by the deck window's queue.
-    while (backwardThread_.joinable() && !backwardFinished_.load()) {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
-        std::this_thread::yield();
-    }
-    if (backwardThread_.joinable())
-        backwardThread_.join();
+    // The backward reader's sends are served while the join waits.
+    backwardReader_.Join();
+}
+
+std::string CRynDiscBuffer::ReaderName(const char* direction) const {
+    return std::string("deck ") + char('A' + deck_) + ' ' + direction;
 }
 
 void CRynDiscBuffer::ForwardReaderMain() {
@@ -311,7 +292,6 @@ void CRynDiscBuffer::ForwardReaderMain() {
             break;
     }
     SendAppMessage(s.deckWindow, UWM_READER_ENDED, 0, 0);
-    forwardFinished_.store(true);
 }
 
 void CRynDiscBuffer::BackwardReaderMain() {

@@ -5,7 +5,8 @@
 // 300 ms reader watchdog.
 //
 // Everything here except the reader threads runs on the deck window's
-// thread. Readers and consumer share only the rings and fill flags of the
+// thread. The readers are worker threads named "deck A forward" and
+// "deck A backward" (B for deck B). Readers and consumer share only the rings and fill flags of the
 // deck's DeckSharedState: a slot belongs to the reader while its flag is 0
 // and to the consumer while it is 1; the reader writes the flag last, the
 // consumer clears it first after copying. Readers reach the deck window only
@@ -19,22 +20,15 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
-#include <thread>
+#include <string>
 
 #include "core/AppMessages.h"
 #include "core/EngineState.h"
+#include "core/WorkerThread.h"
 #include "deck/disc/DeckInfoStats.h"
 
+class DeckBlockRoutine;
 class DeckBlockSource;
-
-// The audio work FillBlock runs on each block in place (split, meters,
-// equalizer, join, band analysis). analysis is false when the graph work is
-// shed because a deck is short of data, meters are off, or the system lags.
-class DeckBlockRoutine {
-  public:
-    virtual ~DeckBlockRoutine() = default;
-    virtual void Process(int outputSlot, std::int16_t* samples, bool analysis) = 0;
-};
 
 // Reader thread priorities, low to high.
 enum class ReaderPriority { BelowNormal, AboveNormal, TimeCritical };
@@ -93,7 +87,8 @@ class CRynDiscBuffer {
     void StopForwardReader();
     void StartBackwardReader();
     void StopBackwardReader();
-    // Waits for the backward reader to end (after StopBackwardReader).
+    // Waits for the backward reader to end (after StopBackwardReader),
+    // serving the deck window's messages meanwhile.
     void JoinBackwardReader();
 
     // The deck window's messages from the readers (first fill, flags, reader
@@ -130,8 +125,8 @@ class CRynDiscBuffer {
     void ParkIfSuspended();
     void RequestPriority(ReaderPriority p);
     void ApplyOwnPriority();
-    void JoinForward();
     void NotifyLeds();
+    std::string ReaderName(const char* direction) const;
 
     int deck_;
     DeckSharedState& shared_;
@@ -152,11 +147,9 @@ class CRynDiscBuffer {
     std::array<std::int32_t, kOutputSlots> markers_{};
     Leds leds_;
 
-    std::thread forwardThread_;
-    std::thread backwardThread_;
+    WorkerThread forwardReader_;
+    WorkerThread backwardReader_;
     std::atomic<bool> forwardAlive_{false};  // the handle: cleared by the reader's last message
-    std::atomic<bool> forwardFinished_{false};
-    std::atomic<bool> backwardFinished_{false};  // the thread function has returned
     std::atomic<ReaderPriority> priority_{ReaderPriority::AboveNormal};
     std::atomic<ReaderPriority> appliedPriority_{ReaderPriority::AboveNormal};
 

@@ -36,10 +36,22 @@ DeckSharedState* SharedOf(int deck) {
     return &Engine().decks[static_cast<std::size_t>(deck)];
 }
 
+// The sources' end of a track, on the deck's reader thread: the deck window
+// is sent UWM_END_OF_TRACK and answers nonzero when it has opened the
+// following file in the decoder (a CD's answer is not used).
+LResult TellEndOfTrack(int deck) {
+    const DeckSharedState* s = SharedOf(deck);
+    return s ? SendAppMessage(s->deckWindow, UWM_END_OF_TRACK, 0, 0) : 0;
+}
+
 }  // namespace
 
 DeckSource::DeckSource(int deck, CRynFileDecoder& decoder, PlayList& list, CRynCdAudio* cd)
-    : deck_(deck), decoder_(decoder), list_(list), cd_(cd) {}
+    : deck_(deck), decoder_(decoder), list_(list), cd_(cd) {
+    decoder_.SetEndOfTrackHandler([deck] { return static_cast<int>(TellEndOfTrack(deck)); });
+    if (cd_)
+        cd_->SetEndOfTrackHandler(deck, [deck] { TellEndOfTrack(deck); });
+}
 
 // The decoder and the CD reader may already be gone at destruction: the
 // deck calls Close() at shutdown while both still live.
@@ -202,7 +214,7 @@ int DeckSource::ReadBlock(std::uint8_t* dest, bool* endOfStream) {
     if (mode_ == kFileMode) {
         int bytesDelivered = 0;
         bool end = false;
-        const std::int32_t status = decoder_.ReadBlock(deck_, dest, bytesDelivered, end);
+        const std::int32_t status = decoder_.ReadBlock(dest, bytesDelivered, end);
         if (endOfStream)
             *endOfStream = status == CRynFileDecoder::kOk && end;
         return static_cast<int>(status);

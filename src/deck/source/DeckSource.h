@@ -51,7 +51,9 @@ class DeckSource : public DeckBlockSource {
     };
 
     // `decoder` and `list` are the deck's (not owned); `cd` is the program's CD
-    // reader (not owned), null when the program has none.
+    // reader (not owned), null when the program has none. Installs the deck's
+    // end-of-track handler on both sources: it sends UWM_END_OF_TRACK to the
+    // deck window (the engine state's deckWindow for `deck`).
     DeckSource(int deck, CRynFileDecoder& decoder, PlayList& list, CRynCdAudio* cd);
     ~DeckSource() override;
     DeckSource(const DeckSource&) = delete;

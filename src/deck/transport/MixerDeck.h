@@ -1,5 +1,5 @@
-// What the main mixer's mix cycle asks of a deck. CRynDeck implements it;
-// tests use fakes. Everything runs on the user-interface thread.
+// What the main mixer's mix cycle asks of a deck. The deck's DeckTransport
+// implements it; tests use fakes. Everything runs on the user-interface thread.
 #pragma once
 
 #include <cstdint>

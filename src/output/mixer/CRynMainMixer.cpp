@@ -9,6 +9,7 @@
 #include "core/WorkerThread.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
+#include "deck/transport/DeckTransport.h"
 #include "platform/sound/SoundSystem.h"
 #include "settings/CRynSettings.h"
 
@@ -44,7 +45,7 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
     }
     panel_->Initialise();
     for (int d = 0; d < 2; ++d) {
-        cycle_.BindDeck(d, decks_[d]);
+        cycle_.BindDeck(d, decks_[d] ? &decks_[d]->Transport() : nullptr);
         // Until the layout asks for a quarter, each deck runs at its user's
         // latency setting.
         const int user = Settings().GetEqLatencyInNotifies(d);
@@ -114,7 +115,7 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
 void CRynMainMixer::LayoutBuilt() {
     buildingLayout_ = false;
     for (int d = 0; d < 2; ++d) {
-        if (!decks_[d] || !decks_[d]->HoldsLoop())
+        if (!decks_[d] || !decks_[d]->Transport().HoldsLoop())
             ApplyTarget(d, targets_[d].RequestQuarter(Engine().decks[d].latencyBlocks.load()));
     }
 }
@@ -260,7 +261,7 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
                 return 0;
             sink_->Prime(deck, e.decks[deck].writeAheadBlocks.load());
             if (decks_[deck])
-                decks_[deck]->OnPrimed();
+                decks_[deck]->Transport().OnPrimed();
             return 0;
         case UWM_CREATE_DECK_BUFFERS:
             if (!ValidDeck(wParam))
@@ -296,7 +297,7 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
                 return 0;
             const int user = e.decks[deck].latencyBlocks.load();
             if (lParam == 0) {
-                if (!decks_[deck] || !decks_[deck]->HoldsLoop())
+                if (!decks_[deck] || !decks_[deck]->Transport().HoldsLoop())
                     ApplyTarget(deck, targets_[deck].RequestQuarter(user));
             } else {
                 ApplyTarget(deck, targets_[deck].WithdrawQuarter(user));

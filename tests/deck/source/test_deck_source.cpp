@@ -56,7 +56,7 @@ Samples DecodeAlone(const std::string& path) {
     CRynFileDecoder d;
     if (!d.Open(path))
         return {};
-    return filedecodertest::ReadToEnd(d, -1).samples;
+    return filedecodertest::ReadToEnd(d).samples;
 }
 
 // A CD reader on a generated image whose drive is found by its root.

@@ -1,7 +1,9 @@
-// The deck's transport: turntable and needle, reverse, wind, reposition, the
-// progress slide while playing, the time display and the track-ended state.
+// The deck window's turntable side: start/stop and drop/lift, reverse, wind,
+// reposition, the progress slide while playing, the time display and the
+// track-ended state. The engine side of each is the deck's DeckTransport.
 #include <QComboBox>
 #include <QLabel>
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -10,6 +12,7 @@
 #include "deck/CRynDeck.h"
 #include "deck/disc/CRynDiscBuffer.h"
 #include "deck/source/DeckSource.h"
+#include "deck/transport/DeckTransport.h"
 #include "deck/transport/TrackTime.h"
 #include "playlist/PlayList.h"
 #include "settings/CRynSettings.h"
@@ -23,8 +26,7 @@ bool CRynDeck::NeedleDown() const {
 }
 
 void CRynDeck::StartTurntable() {
-    lastPlayCursor_ = -1;
-    disc_->StartForwardReader();
+    transport_->StartReading();
     drives_->setEnabled(false);
     modeButton_->setEnabled(false);
     startStop_->SetCaption(QStringLiteral("stop"));
@@ -38,8 +40,7 @@ void CRynDeck::StopTurntable() {
     if (NeedleDown())
         LiftNeedle();
     dropLift_->setEnabled(false);
-    disc_->SetRunning(false);
-    disc_->StopForwardReader();
+    transport_->StopReading();
     if (source_->Mode() == DeckSource::kCdMode)
         drives_->setEnabled(true);
     modeButton_->setEnabled(true);
@@ -50,8 +51,8 @@ void CRynDeck::StopTurntable() {
 void CRynDeck::DropNeedle() {
     dropLift_->SetCaption(QStringLiteral("lift"));
     if (!trackEnded_) {
-        disc_->SetReadErrorLed(false);
-        lastPlayCursor_ = -1;
+        Disc().SetReadErrorLed(false);
+        transport_->RestartElapsedCount();
         PostAppMessageRetry(mainMixer_, UWM_START_FORWARD_THREAD, deck_, 0);
         direction_->setEnabled(true);
         SetWindowTimer(kProgressTimer, 50);
@@ -68,7 +69,7 @@ void CRynDeck::LiftNeedle() {
     shared.freshDataLow.store(0);
     dropLift_->SetCaption(QStringLiteral("drop"));
     shared.discBufferVeryLow.store(0);
-    disc_->LowerReaderPriority();
+    Disc().LowerReaderPriority();
     PostAppMessageRetry(mainMixer_, UWM_STOP_DECK, deck_, 0);
     direction_->setEnabled(false);
     StopBlink();
@@ -79,27 +80,21 @@ void CRynDeck::LiftNeedle() {
 }
 
 void CRynDeck::SetReverse(bool on) {
-    if (on == reverse_)
+    if (on == transport_->IsReverse())
         return;
     if (on) {
         SendAppMessage(mainMixer_, UWM_FORWARD_PLAY, deck_, 0);
         SendAppMessage(mainMixer_, UWM_START_REVERSE_THREAD, deck_, 0);
-        reverse_ = true;
-        disc_->SetReverse(true);
+        transport_->SetReverse(true);
     } else {
         SendAppMessage(mainMixer_, UWM_STOP_REVERSE, deck_, 0);
-        reverse_ = false;
-        disc_->SetReverse(false);
-        disc_->StopBackwardReader();
-        disc_->JoinBackwardReader();
+        transport_->SetReverse(false);
         // The forward ring resumes where the reverse one had got to.
-        const int angleBlocks =
-            (kOutputRingBlocks - 1 - Stats().ReversePlaySlot() + kOutputRingBlocks) %
-            kOutputRingBlocks;
-        SendAppMessage(mainMixer_, UWM_SET_FORWARD_POSITION, deck_, angleBlocks);
+        SendAppMessage(mainMixer_, UWM_SET_FORWARD_POSITION, deck_,
+                       transport_->ForwardResumeBlocks());
         SendAppMessage(mainMixer_, UWM_FORWARD_PLAY, deck_, 1);
     }
-    lastPlayCursor_ = -1;
+    transport_->RestartElapsedCount();
 }
 
 void CRynDeck::WindPressed(bool fastForward, bool pressed) {
@@ -131,15 +126,12 @@ void CRynDeck::Reposition(double fraction) {
     const bool wasDown = NeedleDown();
     if (wasDown)
         LiftNeedle();
-    disc_->SetRunning(false);
-    disc_->StopForwardReader();
+    transport_->StopReading();
     fraction = std::clamp(std::isfinite(fraction) ? fraction : 0.0, 0.0, 1.0);
-    source_->SeekFraction(fraction, endOfTrackPending_);
-    elapsedSeconds_ = fraction * source_->TrackSeconds();
-    if (Rotating()) {
-        lastPlayCursor_ = -1;
-        disc_->StartForwardReader();
-    }
+    source_->SeekFraction(fraction, transport_->EndOfTrackPending());
+    transport_->SetElapsedSeconds(fraction * source_->TrackSeconds());
+    if (Rotating())
+        transport_->StartReading();
     if (wasDown) {
         redropCount_ = 0;
         SetWindowTimer(kRedropTimer, 100);
@@ -164,16 +156,12 @@ void CRynDeck::ProgressTick() {
     const double length = source_->TrackSeconds();
     if (length <= 0)
         return;
-    if (reverse_) {
+    if (transport_->IsReverse()) {
         progress_->SetValue(source_->SourceSeconds() / length);
         return;
     }
-    const int blocks =
-        endOfTrackPending_ ? blocksUntilTrackEnd_ : BlocksAhead() + Stats().ForwardCount();
-    const double source = endOfTrackPending_ ? length : source_->SourceSeconds();
-    const double estimate = tracktime::HeardSeconds(source, blocks, Rate());
-    elapsedSeconds_ = tracktime::ReconcileElapsed(elapsedSeconds_, estimate);
-    progress_->SetValue(std::clamp(elapsedSeconds_ / length, 0.0, 1.0));
+    const double elapsed = transport_->FollowForwardPlay(source_->SourceSeconds(), length);
+    progress_->SetValue(std::clamp(elapsed / length, 0.0, 1.0));
 }
 
 void CRynDeck::UpdateTimeDisplay() {
@@ -206,7 +194,7 @@ void CRynDeck::StopBlink() {
     KillWindowTimer(kBlinkTimer);
     progress_->SetFillColor(kProgressGrey);
     blinkRed_ = false;
-    endOfTrackPending_ = false;
+    transport_->CancelEndOfTrack();
 }
 
 void CRynDeck::BlinkTick() {

@@ -1,9 +1,9 @@
-#include "sources/CRynFileDecoderConvert.h"
+#include "sources/StereoConvert.h"
 
 #include <cmath>
 #include <cstring>
 
-namespace filedecoder {
+namespace stereoconvert {
 namespace {
 
 inline std::int16_t FromU8(std::uint8_t v) {
@@ -71,4 +71,4 @@ void ConvertToStereo16(const std::uint8_t* src, const media::PcmFormat& format, 
     }
 }
 
-}  // namespace filedecoder
+}  // namespace stereoconvert

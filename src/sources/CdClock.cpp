@@ -1,4 +1,4 @@
-#include "sources/CRynCdAudioClock.h"
+#include "sources/CdClock.h"
 
 #include <chrono>
 #include <thread>

@@ -9,11 +9,11 @@
 
 #include "platform/media/MediaSource.h"
 
-namespace filedecoder {
+namespace stereoconvert {
 
 // Converts `frames` frames of `format` from src into dest (2 * frames
 // samples). Both buffers aligned for their sample types.
 void ConvertToStereo16(const std::uint8_t* src, const media::PcmFormat& format, int frames,
                        std::int16_t* dest);
 
-}  // namespace filedecoder
+}  // namespace stereoconvert
