@@ -78,26 +78,26 @@ class CRynSettings {
     }
 
     // The named getter and setter of every row, e.g. GetTurntableMode(deck).
-#define MIXORA_ACCESS_ONE(A, name, T, d)                  \
-    SettingTraits<SettingType::T>::Value Get##A() {       \
-        return Get##T(Setting::A);                        \
-    }                                                     \
-    bool Set##A(SettingTraits<SettingType::T>::Param v) { \
-        return Set##T(Setting::A, 0, 0, v);               \
+#define MIXORA_ACCESS_ONE(A, name, T, d)            \
+    SettingValueOf<SettingType::T> Get##A() {       \
+        return Get##T(Setting::A);                  \
+    }                                               \
+    bool Set##A(SettingParamOf<SettingType::T> v) { \
+        return Set##T(Setting::A, 0, 0, v);         \
     }
-#define MIXORA_ACCESS_DECK(A, name, T, d)                           \
-    SettingTraits<SettingType::T>::Value Get##A(int deck) {         \
-        return Get##T(Setting::A, deck);                            \
-    }                                                               \
-    bool Set##A(int deck, SettingTraits<SettingType::T>::Param v) { \
-        return Set##T(Setting::A, deck, 0, v);                      \
+#define MIXORA_ACCESS_DECK(A, name, T, d)                     \
+    SettingValueOf<SettingType::T> Get##A(int deck) {         \
+        return Get##T(Setting::A, deck);                      \
+    }                                                         \
+    bool Set##A(int deck, SettingParamOf<SettingType::T> v) { \
+        return Set##T(Setting::A, deck, 0, v);                \
     }
-#define MIXORA_ACCESS_BAND(A, name, T, d)                                     \
-    SettingTraits<SettingType::T>::Value Get##A(int deck, int band) {         \
-        return Get##T(Setting::A, deck, band);                                \
-    }                                                                         \
-    bool Set##A(int deck, int band, SettingTraits<SettingType::T>::Param v) { \
-        return Set##T(Setting::A, deck, band, v);                             \
+#define MIXORA_ACCESS_BAND(A, name, T, d)                               \
+    SettingValueOf<SettingType::T> Get##A(int deck, int band) {         \
+        return Get##T(Setting::A, deck, band);                          \
+    }                                                                   \
+    bool Set##A(int deck, int band, SettingParamOf<SettingType::T> v) { \
+        return Set##T(Setting::A, deck, band, v);                       \
     }
     MIXORA_SETTINGS(MIXORA_ACCESS_ONE, MIXORA_ACCESS_DECK, MIXORA_ACCESS_BAND)
 #undef MIXORA_ACCESS_ONE

@@ -24,6 +24,7 @@
 #include <array>
 #include <bit>
 #include <cstdint>
+#include <type_traits>
 
 // clang-format off
 #define MIXORA_SETTINGS(ONE, DECK, BAND)                                                          \
@@ -166,26 +167,12 @@ constexpr int BandCount(const SettingRow& row) {
 // The stored name of setting `s` for `deck` (0 = A, 1 = B, any other A) and band.
 QString StoredName(Setting s, int deck = 0, int band = 0);
 
-// The C++ types of a setting's value: read as Value, written from Param.
-template <SettingType>
-struct SettingTraits;
-template <>
-struct SettingTraits<SettingType::Flag> {
-    using Value = bool;
-    using Param = bool;
-};
-template <>
-struct SettingTraits<SettingType::Number> {
-    using Value = int;
-    using Param = int;
-};
-template <>
-struct SettingTraits<SettingType::Real> {
-    using Value = float;
-    using Param = float;
-};
-template <>
-struct SettingTraits<SettingType::Text> {
-    using Value = QString;
-    using Param = const QString&;
-};
+// The C++ types of a setting's value: read as SettingValueOf, written from SettingParamOf.
+template <SettingType T>
+using SettingValueOf = std::conditional_t<
+    T == SettingType::Flag, bool,
+    std::conditional_t<T == SettingType::Number, int,
+                       std::conditional_t<T == SettingType::Real, float, QString>>>;
+template <SettingType T>
+using SettingParamOf =
+    std::conditional_t<T == SettingType::Text, const QString&, SettingValueOf<T>>;

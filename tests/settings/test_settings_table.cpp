@@ -29,7 +29,7 @@ SettingsValue AsValue(const QString& t) {
 }
 
 template <SettingType T>
-typename SettingTraits<T>::Value FromValue(const SettingsValue& v) {
+SettingValueOf<T> FromValue(const SettingsValue& v) {
     if constexpr (T == SettingType::Flag)
         return v.number != 0;
     else if constexpr (T == SettingType::Number)
