@@ -5,6 +5,7 @@
 
 #include "app/CMixoraDlg.h"
 #include "app/CommandLine.h"
+#include "app/SettingsPrompts.h"
 #include "app/ShellAutoTest.h"
 
 namespace {
@@ -43,6 +44,8 @@ int CMixoraApp::Run(int argc, char** argv) {
     QApplication::setApplicationVersion(QStringLiteral(MIXORA_VERSION));
     // The host stays off-screen and hidden windows must not end the program.
     QApplication::setQuitOnLastWindowClosed(false);
+    // Settings problems go to a warning box; window defaults follow the screen.
+    InstallSettingsPrompts();
 
     CMixoraDlg::Options options;
     options.layers = AutoTestPlatformLayers();

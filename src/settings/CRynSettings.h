@@ -1,37 +1,41 @@
-// Mixora's settings: one getter and one setter per setting, and the window
-// records, over a SettingsStore.
+// Mixora's settings: one getter and one setter per setting of the settings
+// table (SettingsTable.h), and the window records, over a SettingsStore.
 //
-// Naming: Get/Set + the value name with its first letter raised and the deck
-// part taken out; the deck (0 = A, 1 = B) becomes the first parameter. So
-// "turntableModeDeckA" is GetTurntableMode(0), "deckBEQType" is
+// Naming: Get/Set + the row's accessor name; the deck (0 = A, 1 = B) is the
+// first parameter of a per-deck setting, the band the second of a band one.
+// So "turntableModeDeckA" is GetTurntableMode(0), "deckBEQType" is
 // GetDeckEQType(1), "scopeBandOnState2DeckA" is GetScopeBandOnState(0, 2).
+// Getters answer bool (Flag), int (Number), float (Real) or QString (Text);
+// setters take the same.
 //
-// Default rule: a getter with a default first writes the default (through its
-// setter) when the value is missing or has the wrong type, then reads it.
-// Flags read as value != 0 and are written as 0 or 1. Reals are 32-bit floats
-// kept bit-exact. Texts are stored as given: the owning window decides what a
-// text it does not know means. Setters return false only when the file could
-// not be written (the value still holds for this run).
+// Default rule: a getter first writes the row's default when the value is
+// missing or has the wrong type, then reads it back (a value that cannot be
+// saved still holds for this run). Setters return false when the file could
+// not be written (the value still holds for this run) or a OneOf text refuses
+// the value (nothing is stored).
 #pragma once
 
 #include <QSize>
 #include <QString>
+#include <bit>
 #include <cstdint>
 #include <functional>
 
 #include "settings/SettingsNames.h"
 #include "settings/SettingsStore.h"
+#include "settings/SettingsTable.h"
 
 class CRynSettings {
   public:
-    // The full-screen client size in pixels (the usable screen without panels).
+    // The full-screen client size in pixels (the usable screen without
+    // panels), for the default window rectangles. The shell passes the
+    // primary screen's; without it the screen is taken as 1024 x 768.
     using ScreenSizeSource = std::function<QSize()>;
-    // The primary screen's available size; 1024 x 768 without a screen.
-    static QSize PrimaryScreenSize();
+    static QSize HeadlessScreenSize() { return {1024, 768}; }
 
-    static constexpr int kScopeBands = 3;  // scope band groups per deck
+    static constexpr int kScopeBands = kScopeBandGroups;  // scope band groups per deck
 
-    explicit CRynSettings(SettingsStore& store, ScreenSizeSource screen = PrimaryScreenSize);
+    explicit CRynSettings(SettingsStore& store, ScreenSizeSource screen = HeadlessScreenSize);
 
     SettingsStore& Store() { return store_; }
     void SetScreenSizeSource(ScreenSizeSource screen) { screen_ = std::move(screen); }
@@ -43,120 +47,71 @@ class CRynSettings {
     bool WriteNumber(const QString& name, std::uint32_t v) { return store_.WriteNumber(name, v); }
     bool WriteText(const QString& name, const QString& t) { return store_.WriteText(name, t); }
 
-    // Reads every setting of the table for both decks, creating each missing
-    // one with its default, in one file write. Window records are not
-    // included: they depend on the screen layout.
+    // Reads every setting of the table for both decks (and every band),
+    // creating each missing one with its default, in one file write. Window
+    // records are not included: they depend on the screen layout.
     void ReadEverySetting();
 
-    // Main mixer.
-    bool GetMainMixerGraphEnabledState();  // default on
-    bool SetMainMixerGraphEnabledState(bool on);
-    int GetMainMixerNumGraphs();  // default 2
-    bool SetMainMixerNumGraphs(int n);
-    QString GetMainMixerGraphType(int deck);  // default "Bars"
-    bool SetMainMixerGraphType(int deck, const QString& type);
-    float GetMainMixerXFaderCurveParameter();  // default -1.0
-    bool SetMainMixerXFaderCurveParameter(float c);
+    // Any setting of the table, by its number; `deck` and `band` matter for
+    // per-deck and band settings only. The type must be the row's.
+    SettingsValue Read(Setting s, int deck = 0, int band = 0);
+    bool Write(Setting s, int deck, int band, const SettingsValue& value);
+    bool GetFlag(Setting s, int deck = 0, int band = 0) { return Read(s, deck, band).number != 0; }
+    int GetNumber(Setting s, int deck = 0, int band = 0) {
+        return static_cast<int>(Read(s, deck, band).number);
+    }
+    float GetReal(Setting s, int deck = 0, int band = 0) {
+        return std::bit_cast<float>(Read(s, deck, band).number);
+    }
+    QString GetText(Setting s, int deck = 0, int band = 0) { return Read(s, deck, band).text; }
+    bool SetFlag(Setting s, int deck, int band, bool on) {
+        return Write(s, deck, band, SettingsValue::OfNumber(on ? 1 : 0));
+    }
+    bool SetNumber(Setting s, int deck, int band, int n) {
+        return Write(s, deck, band, SettingsValue::OfNumber(static_cast<std::uint32_t>(n)));
+    }
+    bool SetReal(Setting s, int deck, int band, float r) {
+        return Write(s, deck, band, SettingsValue::OfNumber(std::bit_cast<std::uint32_t>(r)));
+    }
+    bool SetText(Setting s, int deck, int band, const QString& t) {
+        return Write(s, deck, band, SettingsValue::OfText(t));
+    }
 
-    // Headphones mixer.
-    bool GetPhonesMixerGraphEnabledState();  // default off
-    bool SetPhonesMixerGraphEnabledState(bool on);
-    int GetPhonesMixerNumGraphs();  // default 2
-    bool SetPhonesMixerNumGraphs(int n);
-    QString GetPhonesMixerGraphType(int deck);  // default "Bars"
-    bool SetPhonesMixerGraphType(int deck, const QString& type);
+    // The named getter and setter of every row, e.g. GetTurntableMode(deck).
+#define MIXORA_ACCESS_ONE(A, name, T, d)            \
+    SettingValueOf<SettingType::T> Get##A() {       \
+        return Get##T(Setting::A);                  \
+    }                                               \
+    bool Set##A(SettingParamOf<SettingType::T> v) { \
+        return Set##T(Setting::A, 0, 0, v);         \
+    }
+#define MIXORA_ACCESS_DECK(A, name, T, d)                     \
+    SettingValueOf<SettingType::T> Get##A(int deck) {         \
+        return Get##T(Setting::A, deck);                      \
+    }                                                         \
+    bool Set##A(int deck, SettingParamOf<SettingType::T> v) { \
+        return Set##T(Setting::A, deck, 0, v);                \
+    }
+#define MIXORA_ACCESS_BAND(A, name, T, d)                               \
+    SettingValueOf<SettingType::T> Get##A(int deck, int band) {         \
+        return Get##T(Setting::A, deck, band);                          \
+    }                                                                   \
+    bool Set##A(int deck, int band, SettingParamOf<SettingType::T> v) { \
+        return Set##T(Setting::A, deck, band, v);                       \
+    }
+    MIXORA_SETTINGS(MIXORA_ACCESS_ONE, MIXORA_ACCESS_DECK, MIXORA_ACCESS_BAND)
+#undef MIXORA_ACCESS_ONE
+#undef MIXORA_ACCESS_DECK
+#undef MIXORA_ACCESS_BAND
 
-    // Deck levels 0 ... 1, default 0.7: "mainDeckXLevel", "phonesDeckXLevel".
-    float GetMainDeckLevel(int deck);
-    bool SetMainDeckLevel(int deck, float level);
-    float GetPhonesDeckLevel(int deck);
-    bool SetPhonesDeckLevel(int deck, float level);
-    // The same through LevelName: mixer 0 = main, 1 = headphones.
-    float GetDeckLevel(int mixer, int deck);
-    bool SetDeckLevel(int mixer, int deck, float level);
-
-    bool GetMetersEnabled(int deck);  // default on
-    bool SetMetersEnabled(int deck, bool on);
-
-    // Deck.
-    int GetDeckMode(int deck);  // 1 = File mode (default), 0 = CD mode
-    bool SetDeckMode(int deck, int mode);
-    QString GetTimeDisplayMode(int deck);  // default "Elapsed In Track:"
-    bool SetTimeDisplayMode(int deck, const QString& mode);
-    QString GetTurntableMode(int deck);  // default "Drop"
-    bool SetTurntableMode(int deck, const QString& mode);
-    QString GetTurntable2DOr3D(int deck);  // default "3D"
-    bool SetTurntable2DOr3D(int deck, const QString& drawing);
-
-    // Deck graph and scope.
-    bool GetDeckGraphEnabled(int deck);  // default on
-    bool SetDeckGraphEnabled(int deck, bool on);
-    QString GetDeckGraphType(int deck);  // default "Bars"
-    bool SetDeckGraphType(int deck, const QString& type);
-    int GetDeckGraphNumChannels(int deck);  // default 1
-    bool SetDeckGraphNumChannels(int deck, int n);
-    bool GetDeckGraphRangeEnabled(int deck);  // default on
-    bool SetDeckGraphRangeEnabled(int deck, bool on);
-    bool GetDeckPeakPowerMeterEnabled(int deck);  // default on
-    bool SetDeckPeakPowerMeterEnabled(int deck, bool on);
-    float GetDeckScopeGainSettingName(int deck);  // the scope gain, default 1.0
-    bool SetDeckScopeGainSettingName(int deck, float gain);
-    QString GetDeckBeatFindMode(int deck);  // default "Auto"
-    bool SetDeckBeatFindMode(int deck, const QString& mode);
-    bool GetScopeBandOnState(int deck, int band);  // band 0 ... kScopeBands-1, default on
-    bool SetScopeBandOnState(int deck, int band, bool on);
-    bool GetScopeTriggerOnState();  // default on
-    bool SetScopeTriggerOnState(bool on);
-    int GetBeatLEDBandIndex();  // default 1
-    bool SetBeatLEDBandIndex(int band);
-    bool GetBeatLEDsEnabledState();  // default on
-    bool SetBeatLEDsEnabledState(bool on);
-
-    // Equalizer.
-    bool GetEqOnState(int deck);  // default off
-    bool SetEqOnState(int deck, bool on);
-    bool GetEqClipProtectOnState(int deck);  // default on
-    bool SetEqClipProtectOnState(int deck, bool on);
-    QString GetEqFilterType(int deck);  // default "Hanning"
-    bool SetEqFilterType(int deck, const QString& type);
-    int GetEqLatencyInNotifies(int deck);  // output notifications, default 10
-    bool SetEqLatencyInNotifies(int deck, int notifies);
-    int GetDeckEQType(int deck);  // 1 = "Orvane" (default), 0 = "Direct Sound"
-    bool SetDeckEQType(int deck, int type);
-    int GetDeckEQNumberType(int deck);  // 0 = "Floats" (default), 1 = "Ints"
-    bool SetDeckEQNumberType(int deck, int type);
-    int GetNumBandsInEqualizer(int deck);  // default 3
-    bool SetNumBandsInEqualizer(int deck, int bands);
-    int GetNumBandsInPlot(int deck);  // default 3
-    bool SetNumBandsInPlot(int deck, int bands);
-
-    // 3D graph.
-    bool GetThreeDGraphEnabledState();  // default off
-    bool SetThreeDGraphEnabledState(bool on);
-    QString GetThreeDGraphJoinOrSplit();  // default "Split"
-    bool SetThreeDGraphJoinOrSplit(const QString& caption);
-    QString GetThreeDGraphMode();  // default "3D Sound"
-    bool SetThreeDGraphMode(const QString& mode);
-
-    // Configuration.
-    QString GetGraphNumberType();                  // "Floats" (default) or "Ints"
-    bool SetGraphNumberType(const QString& type);  // any other text is not stored (false)
-    bool GetUseIntegersForGraphs();                // default off
-    bool SetUseIntegersForGraphs(bool on);
-    QString GetSoundDeviceMain();  // no default: empty when never chosen
-    bool SetSoundDeviceMain(const QString& description);
-    QString GetSoundDevicePhones();  // no default: empty when never chosen
-    bool SetSoundDevicePhones(const QString& description);
-    bool GetToolTipsOnSettingName();  // tool tips, default on
-    bool SetToolTipsOnSettingName(bool on);
-    bool GetTitleBarsOnState();  // default on
-    bool SetTitleBarsOnState(bool on);
-
-    // Tip of the day.
-    bool GetShowTipOfTheDay();  // default on
-    bool SetShowTipOfTheDay(bool on);
-    int GetTipOfTheDayIndex();  // default 0
-    bool SetTipOfTheDayIndex(int index);
+    // A deck's level by mixer: 0 = main ("mainDeckXLevel"), 1 = headphones
+    // ("phonesDeckXLevel"); any other mixer is the main one.
+    float GetDeckLevel(int mixer, int deck) {
+        return GetReal(LevelSetting(mixer), deck);
+    }
+    bool SetDeckLevel(int mixer, int deck, float level) {
+        return SetReal(LevelSetting(mixer), deck, 0, level);
+    }
 
     // Window records. `deck` matters for deck windows only; lowRes picks the
     // layout. A missing rectangle value makes all four the layout's default
@@ -175,18 +130,20 @@ class CRynSettings {
     bool WriteShow(SettingsWindow window, int deck, bool lowRes, bool shown);
 
   private:
-    bool Flag(const QString& name, bool defaultValue);
-    int Number(const QString& name, int defaultValue);
-    float Real(const QString& name, float defaultValue);
-    QString Text(const QString& name, const QString& defaultValue);
-    bool SetFlag(const QString& name, bool on) { return store_.WriteNumber(name, on ? 1 : 0); }
-    bool SetNumber(const QString& name, int n) {
-        return store_.WriteNumber(name, static_cast<std::uint32_t>(n));
+    static Setting LevelSetting(int mixer) {
+        return mixer == 1 ? Setting::PhonesDeckLevel : Setting::MainDeckLevel;
+    }
+    // The default rule for the value `name` of `type`.
+    SettingsValue ReadOrCreate(const QString& name, SettingType type, const SettingDefault& d);
+    bool WriteFlag(const QString& name, bool on) {
+        return store_.WriteNumber(name, on ? 1 : 0);
     }
 
     SettingsStore& store_;
     ScreenSizeSource screen_;
 };
 
-// The program's settings, over SettingsStore::DefaultPath() (resolved on first use).
+// The program's settings, over SettingsStore::DefaultPath() (resolved on
+// first use), with the headless notifier and screen size until the shell
+// hands in its own (SettingsStore::SetNotifier, SetScreenSizeSource).
 CRynSettings& Settings();

@@ -1,5 +1,7 @@
 #include "settings/SettingsNames.h"
 
+#include "settings/SettingsTable.h"
+
 namespace {
 
 // The two words of each window: in position names and in "show" names.
@@ -67,29 +69,24 @@ QString DeckLetter(int deck) {
     return deck == 1 ? QStringLiteral("B") : QStringLiteral("A");
 }
 
-QString DeckName(const QString& stem, int deck) {
-    return stem + QStringLiteral("Deck") + DeckLetter(deck);
-}
-
 QString LevelName(int mixer, int deck) {
-    const QString mix = mixer == 1 ? QStringLiteral("phones") : QStringLiteral("main");
-    return mix + QStringLiteral("Deck") + DeckLetter(deck) + QStringLiteral("Level");
+    return StoredName(mixer == 1 ? Setting::PhonesDeckLevel : Setting::MainDeckLevel, deck);
 }
 
 QString ScopeBandName(int deck, int band) {
-    return DeckName(QStringLiteral("scopeBandOnState") + QString::number(band), deck);
+    return StoredName(Setting::ScopeBandOnState, deck, band);
 }
 
 QString DeckModeName(int deck) {
-    return QStringLiteral("deck") + DeckLetter(deck) + QStringLiteral("Mode");
+    return StoredName(Setting::DeckMode, deck);
 }
 
 QString EqTypeName(int deck) {
-    return QStringLiteral("deck") + DeckLetter(deck) + QStringLiteral("EQType");
+    return StoredName(Setting::DeckEQType, deck);
 }
 
 QString EqNumberTypeName(int deck) {
-    return QStringLiteral("deck") + DeckLetter(deck) + QStringLiteral("EQNumberType");
+    return StoredName(Setting::DeckEQNumberType, deck);
 }
 
 QString PositionName(SettingsWindow window, int deck, WindowField field, bool lowRes) {

@@ -1,6 +1,6 @@
-// How settings value names are formed: per-deck names, mixer levels, scope
-// bands, and the window records (rectangle, moved, stacking, shown) of every
-// movable window in both screen layouts.
+// How settings value names are formed: the deck letter, a few names of the
+// settings table, and the window records (rectangle, moved, stacking, shown)
+// of every movable window in both screen layouts.
 //
 // Deck numbers: 0 is deck A, 1 is deck B (any other number is taken as A).
 #pragma once
@@ -45,9 +45,8 @@ bool IsPerDeckWindow(SettingsWindow window);
 
 // "A" or "B".
 QString DeckLetter(int deck);
-// stem + "DeckA" / "DeckB" (the usual per-deck name, e.g. "turntableModeDeckA").
-QString DeckName(const QString& stem, int deck);
 
+// Names of a few settings of the table (SettingsTable.h), formed by its rows.
 // ("main" for mixer 0, "phones" for mixer 1) + "Deck" + letter + "Level".
 QString LevelName(int mixer, int deck);
 // "scopeBandOnState" + band (decimal, from 0) + "DeckA"/"DeckB".

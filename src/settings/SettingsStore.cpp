@@ -5,6 +5,7 @@
 #include <bit>
 
 #include "core/Paths.h"
+#include "core/ThreadRole.h"
 
 QString SettingsStore::DefaultPath() {
     return ConfigDir() + QStringLiteral("/Mixora.conf");
@@ -73,14 +74,17 @@ float SettingsStore::ReadReal(const QString& name) {
 }
 
 bool SettingsStore::WriteNumber(const QString& name, std::uint32_t value) {
+    AssertNotAudioThread();
     return Write(name, SettingsValue::OfNumber(value));
 }
 
 bool SettingsStore::WriteText(const QString& name, const QString& text) {
+    AssertNotAudioThread();
     return Write(name, SettingsValue::OfText(text));
 }
 
 bool SettingsStore::WriteReal(const QString& name, float value) {
+    AssertNotAudioThread();
     return WriteNumber(name, std::bit_cast<std::uint32_t>(value));
 }
 
@@ -205,6 +209,7 @@ void SettingsStore::LoadLocked() {
 }
 
 bool SettingsStore::SaveLocked() {
+    AssertNotAudioThread();
     dirty_ = false;
     QString error;
     FileIdentity written;

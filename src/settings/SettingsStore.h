@@ -17,6 +17,8 @@
 // Thread-safe (one lock); meant for the user-interface thread: reads are a
 // stat and a map look-up, writes one small file write and one fsync (a few
 // milliseconds on a disk).
+// Never from the audio callback: every write and every file save starts
+// with AssertNotAudioThread().
 #pragma once
 
 #include <QString>
