@@ -21,9 +21,9 @@
 #include "output/engine/DisplayPacing.h"
 #include "output/engine/NotifyThreads.h"
 #include "output/mixer/MainMixerPanel.h"
-#include "output/mixer/MixCycle.h"
-#include "output/mixer/MixStepSink.h"
-#include "output/mixer/WriteAheadTarget.h"
+#include "output/engine/MixCycle.h"
+#include "output/engine/MixStepSink.h"
+#include "output/engine/WriteAheadTarget.h"
 
 class CRynDeck;
 class CRynHeadphonesMixer;

@@ -1,4 +1,4 @@
-#include "output/mixer/WriteAheadTarget.h"
+#include "output/engine/WriteAheadTarget.h"
 
 std::optional<int> WriteAheadTarget::RequestMaximum(int userSetting) {
     maximum_ = true;
