@@ -4,7 +4,8 @@
 #include <chrono>
 #include <cmath>
 
-#include "output/engine/OutputLaws.h"
+#include "output/engine/RingGeometry.h"
+#include "output/laws/DeckGainLaw.h"
 
 namespace {
 

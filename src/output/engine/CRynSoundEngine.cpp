@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "output/engine/OutputLaws.h"
+#include "output/engine/FadeCurves.h"
+#include "output/engine/RingGeometry.h"
 #include "platform/sound/SoundSystem.h"
 
 using sound::SoundBuffer;
