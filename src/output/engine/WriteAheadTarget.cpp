@@ -1,37 +1,22 @@
 #include "output/engine/WriteAheadTarget.h"
 
-std::optional<int> WriteAheadTarget::RequestMaximum(int userSetting) {
-    maximum_ = true;
-    last_ = Override::Maximum;
-    return Target(userSetting);
-}
-
-std::optional<int> WriteAheadTarget::WithdrawMaximum(int userSetting) {
-    if (!maximum_)
+std::optional<int> WriteAheadTarget::Request(Override which, int userSetting) {
+    if (which == Override::None)
         return std::nullopt;
-    maximum_ = false;
-    if (last_ == Override::Maximum)
-        last_ = quarter_ ? Override::Quarter : Override::None;
+    Requested(which) = true;
+    last_ = which;
     return Target(userSetting);
 }
 
-std::optional<int> WriteAheadTarget::RequestQuarter(int userSetting) {
-    quarter_ = true;
-    last_ = Override::Quarter;
-    return Target(userSetting);
-}
-
-std::optional<int> WriteAheadTarget::WithdrawQuarter(int userSetting) {
-    if (!quarter_)
+std::optional<int> WriteAheadTarget::Withdraw(Override which, int userSetting) {
+    if (which == Override::None || !Requested(which))
         return std::nullopt;
-    quarter_ = false;
-    if (last_ == Override::Quarter)
-        last_ = maximum_ ? Override::Maximum : Override::None;
+    Requested(which) = false;
+    if (last_ == which) {
+        const Override other = which == Override::Maximum ? Override::Quarter : Override::Maximum;
+        last_ = Requested(other) ? other : Override::None;
+    }
     return Target(userSetting);
-}
-
-WriteAheadTarget::Override WriteAheadTarget::Active() const {
-    return last_;
 }
 
 int WriteAheadTarget::Target(int userSetting) const {

@@ -23,18 +23,18 @@ class WriteAheadTarget {
 
     enum class Override { None, Maximum, Quarter };
 
-    // Each answers the target to write into writeAheadBlocks, or nothing when
-    // the call changes no request.
-    std::optional<int> RequestMaximum(int userSetting);
-    std::optional<int> WithdrawMaximum(int userSetting);
-    std::optional<int> RequestQuarter(int userSetting);
-    std::optional<int> WithdrawQuarter(int userSetting);
+    // Request or withdraw Maximum or Quarter. Each answers the target to write
+    // into writeAheadBlocks, or nothing when the call changes no request (a
+    // withdrawal of what was not requested).
+    std::optional<int> Request(Override which, int userSetting);
+    std::optional<int> Withdraw(Override which, int userSetting);
 
-    Override Active() const;
+    Override Active() const { return last_; }
     bool MaximumRequested() const { return maximum_; }
     bool QuarterRequested() const { return quarter_; }
 
   private:
+    bool& Requested(Override which) { return which == Override::Maximum ? maximum_ : quarter_; }
     int Target(int userSetting) const;
 
     bool maximum_ = false;
