@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 
 #include "output/engine/RingGeometry.h"
 #include "output/laws/CrossFaderGains.h"

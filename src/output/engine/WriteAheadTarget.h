@@ -7,8 +7,8 @@
 // last wins; withdrawing it brings back the other if that is still
 // requested, else the user's setting as it stands then.
 //
-// Pure state, user-interface thread only. Resolve() answers the new target
-// only when a request or withdrawal changed it; moving the user's setting
+// Pure state, user-interface thread only. Request and Withdraw answer the
+// new target only when they changed a request; moving the user's setting
 // alone never moves the target.
 #pragma once
 

@@ -13,7 +13,6 @@
 
 #include <array>
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "core/CRynWindow.h"
