@@ -2,9 +2,10 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 
-#include "output/engine/OutputLaws.h"
+#include "output/engine/RingGeometry.h"
+#include "output/laws/CrossFaderGains.h"
+#include "output/laws/DeckGainLaw.h"
 
 namespace {
 
@@ -56,6 +57,22 @@ CRynSoundEngine* CRynAudioOutput::Live(int deck) const {
     return engine_.get();
 }
 
+sound::SoundBuffer* CRynAudioOutput::Buffer(int deck, Ring ring) const {
+    CRynSoundEngine* e = Live(deck);
+    if (!e)
+        return nullptr;
+    const CRynSoundEngine::DeckBuffers& d = e->Deck(deck);
+    switch (ring) {
+        case kForward:
+            return d.forward.get();
+        case kReverse:
+            return d.reverse.get();
+        case kScratch:
+            break;
+    }
+    return d.scratch.get();
+}
+
 SoundStatus CRynAudioOutput::CreateDeckBuffers(int deck, int rate, bool withNotify) {
     CRynSoundEngine* e = Live(deck);
     if (!e)
@@ -105,157 +122,136 @@ SoundStatus CRynAudioOutput::WriteDeckBlock(int deck, const std::uint8_t* block,
 }
 
 SoundStatus CRynAudioOutput::PlayForward(int deck) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->PlayForward(deck) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::PlayForward);
 }
 
 SoundStatus CRynAudioOutput::PlayReverse(int deck) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->PlayReverse(deck) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::PlayReverse);
 }
 
 SoundStatus CRynAudioOutput::StopForward(int deck) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->StopForward(deck) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::StopForward);
 }
 
 SoundStatus CRynAudioOutput::StopReverse(int deck) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->StopReverse(deck) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::StopReverse);
 }
 
 SoundStatus CRynAudioOutput::SwitchDirection(int deck, bool toForward) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->SwitchDirection(deck, toForward) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::SwitchDirection, toForward);
 }
 
 SoundStatus CRynAudioOutput::CreateScratch(int deck, int rate, int bytes) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->CreateScratch(deck, rate, bytes) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::CreateScratch, rate, bytes);
 }
 
 SoundStatus CRynAudioOutput::PlayScratch(int deck, int offsetBytes) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->PlayScratch(deck, offsetBytes) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::PlayScratch, offsetBytes);
 }
 
 SoundStatus CRynAudioOutput::EndScratch(int deck) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->EndScratch(deck) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::EndScratch);
 }
 
 SoundStatus CRynAudioOutput::SetDeckGain(int deck, float gain) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->SetDeckVolume(deck, output::DeckGainToVolume(gain)) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::SetDeckVolume, output::DeckGainToVolume(gain));
 }
 
 SoundStatus CRynAudioOutput::SetDeckPan(int deck, float pan) {
-    CRynSoundEngine* e = Live(deck);
-    return e ? e->SetDeckDevicePan(deck, output::DeckPanToDevice(pan)) : kStatusNotInitialised;
+    return OnEngine(deck, &CRynSoundEngine::SetDeckDevicePan, output::DeckPanToDevice(pan));
+}
+
+SoundStatus CRynAudioOutput::SetFrequency(sound::SoundBuffer* buffer, int hz) {
+    return buffer ? buffer->SetFrequency(static_cast<std::uint32_t>(hz)) : kStatusNotInitialised;
 }
 
 SoundStatus CRynAudioOutput::SetForwardFrequency(int deck, int hz) {
-    CRynSoundEngine* e = Live(deck);
-    if (!e || !e->Deck(deck).forward)
-        return kStatusNotInitialised;
-    requestedFrequency_[deck] = hz;
-    return e->Deck(deck).forward->SetFrequency(static_cast<std::uint32_t>(hz));
+    sound::SoundBuffer* forward = Buffer(deck, kForward);
+    if (forward)
+        requestedFrequency_[deck] = hz;
+    return SetFrequency(forward, hz);
 }
 
 SoundStatus CRynAudioOutput::SetReverseFrequency(int deck, int hz) {
-    CRynSoundEngine* e = Live(deck);
-    if (!e || !e->Deck(deck).reverse)
-        return kStatusNotInitialised;
-    return e->Deck(deck).reverse->SetFrequency(static_cast<std::uint32_t>(hz));
+    return SetFrequency(Buffer(deck, kReverse), hz);
 }
 
 SoundStatus CRynAudioOutput::SetScratchFrequency(int deck, int hz) {
-    CRynSoundEngine* e = Live(deck);
-    if (!e || !e->Deck(deck).scratch)
-        return kStatusNotInitialised;
-    return e->Deck(deck).scratch->SetFrequency(static_cast<std::uint32_t>(hz));
+    return SetFrequency(Buffer(deck, kScratch), hz);
 }
 
 int CRynAudioOutput::ForwardFrequency(int deck) const {
-    CRynSoundEngine* e = Live(deck);
-    if (!e || !e->Deck(deck).forward)
-        return 0;
-    return static_cast<int>(e->Deck(deck).forward->Frequency());
+    const sound::SoundBuffer* forward = Buffer(deck, kForward);
+    return forward ? static_cast<int>(forward->Frequency()) : 0;
 }
 
 SoundStatus CRynAudioOutput::SetForwardPosition(int deck, int blocks) {
     return SetForwardPositionBytes(deck, blocks * kBlockBytes);
 }
 
-SoundStatus CRynAudioOutput::SetForwardPositionBytes(int deck, int bytes) {
-    CRynSoundEngine* e = Live(deck);
-    if (!e || !e->Deck(deck).forward)
+SoundStatus CRynAudioOutput::SetPosition(sound::SoundBuffer* buffer, int bytes) {
+    if (!buffer)
         return kStatusNotInitialised;
     if (bytes < 0)
         return kStatusInvalidParam;
-    return e->Deck(deck).forward->SetCurrentPosition(static_cast<std::uint32_t>(bytes) / 4 * 4);
+    return buffer->SetCurrentPosition(static_cast<std::uint32_t>(bytes) / 4 * 4);
+}
+
+SoundStatus CRynAudioOutput::SetForwardPositionBytes(int deck, int bytes) {
+    return SetPosition(Buffer(deck, kForward), bytes);
 }
 
 SoundStatus CRynAudioOutput::SetReversePosition(int deck, int blocks) {
-    CRynSoundEngine* e = Live(deck);
-    if (!e || !e->Deck(deck).reverse)
-        return kStatusNotInitialised;
-    if (blocks < 0)
-        return kStatusInvalidParam;
-    return e->Deck(deck).reverse->SetCurrentPosition(
-        static_cast<std::uint32_t>(blocks * kBlockBytes));
+    return SetPosition(Buffer(deck, kReverse), blocks * kBlockBytes);
 }
 
-CRynAudioOutput::Cursor CRynAudioOutput::Read(const sound::SoundBuffer* buffer, bool write) const {
+CRynAudioOutput::Cursor CRynAudioOutput::Read(const sound::SoundBuffer* buffer) {
     Cursor c;
     if (buffer == nullptr)
         return c;
-    std::uint32_t play = 0, ahead = 0;
-    c.status = buffer->GetCurrentPosition(&play, &ahead);
-    c.bytes = static_cast<int>(write ? ahead : play);
+    std::uint32_t play = 0;
+    c.status = buffer->GetCurrentPosition(&play, nullptr);
+    c.bytes = static_cast<int>(play);
     c.blocks = c.bytes / kBlockBytes;
     return c;
 }
 
 CRynAudioOutput::Cursor CRynAudioOutput::ForwardPlayCursor(int deck) const {
-    CRynSoundEngine* e = Live(deck);
-    return e ? Read(e->Deck(deck).forward.get(), false) : Cursor{};
+    return Read(Buffer(deck, kForward));
 }
 
 CRynAudioOutput::Cursor CRynAudioOutput::ReversePlayCursor(int deck) const {
-    CRynSoundEngine* e = Live(deck);
-    return e ? Read(e->Deck(deck).reverse.get(), false) : Cursor{};
+    return Read(Buffer(deck, kReverse));
 }
 
 CRynAudioOutput::Cursor CRynAudioOutput::ScratchPlayCursor(int deck) const {
-    CRynSoundEngine* e = Live(deck);
-    return e ? Read(e->Deck(deck).scratch.get(), false) : Cursor{};
+    return Read(Buffer(deck, kScratch));
+}
+
+CRynAudioOutput::Cursor CRynAudioOutput::WriteCursor(int deck, Ring ring) const {
+    if (!Buffer(deck, ring))
+        return {};
+    const CRynSoundEngine::DeckBuffers& d = engine_->Deck(deck);
+    const int bytes = ring == kForward ? d.forwardWrite : d.reverseWrite;
+    return {kStatusOk, bytes, bytes / kBlockBytes};
 }
 
 CRynAudioOutput::Cursor CRynAudioOutput::ForwardWriteCursor(int deck) const {
-    CRynSoundEngine* e = Live(deck);
-    if (!e || !e->Deck(deck).forward)
-        return {};
-    const int bytes = e->Deck(deck).forwardWrite;
-    return {kStatusOk, bytes, bytes / kBlockBytes};
+    return WriteCursor(deck, kForward);
 }
 
 CRynAudioOutput::Cursor CRynAudioOutput::ReverseWriteCursor(int deck) const {
-    CRynSoundEngine* e = Live(deck);
-    if (!e || !e->Deck(deck).reverse)
-        return {};
-    const int bytes = e->Deck(deck).reverseWrite;
-    return {kStatusOk, bytes, bytes / kBlockBytes};
+    return WriteCursor(deck, kReverse);
 }
 
 bool CRynAudioOutput::IsForwardPlaying(int deck) const {
-    CRynSoundEngine* e = Live(deck);
-    return e && e->Deck(deck).forward && e->Deck(deck).forward->IsPlaying();
+    const sound::SoundBuffer* b = Buffer(deck, kForward);
+    return b && b->IsPlaying();
 }
 
 bool CRynAudioOutput::IsReversePlaying(int deck) const {
-    CRynSoundEngine* e = Live(deck);
-    return e && e->Deck(deck).reverse && e->Deck(deck).reverse->IsPlaying();
+    const sound::SoundBuffer* b = Buffer(deck, kReverse);
+    return b && b->IsPlaying();
 }
 
 double CRynAudioOutput::MeasuredRate(int deck) {
@@ -285,22 +281,10 @@ SoundStatus CRynAudioOutput::SetMasterGain(int leftPercent, int rightPercent) {
     return kStatusOk;
 }
 
-void CRynAudioOutput::SetCrossFaderCurve(float c) {
-    // Outside -1 … +1 the wedge would have no width; garbage reads as the ramp.
-    curveParameter_ = std::isfinite(c) ? std::clamp(c, -1.0f, 1.0f) : 0.0f;
-    crossFader_.SetCurve(curveParameter_);
-}
-
-SoundStatus CRynAudioOutput::ApplyCrossFader(float position, const float levels[2]) {
-    if (!std::isfinite(position))
-        position = 0.0f;
-    const int k = CrossFaderCurve::Index(static_cast<double>(position));
-    crossFaderIndex_ = k;
+SoundStatus CRynAudioOutput::ApplyCrossFader(const CrossFaderGains& fader, const float levels[2]) {
     SoundStatus first = kStatusOk;
     for (int deck = 0; deck < kDeckCount; ++deck) {
-        const float g = crossFader_.Table(deck)[k];
-        crossFaderGain_[deck] = g;
-        const SoundStatus s = SetDeckGain(deck, g * levels[deck]);
+        const SoundStatus s = SetDeckGain(deck, fader.Gain(deck) * levels[deck]);
         if (first == kStatusOk)
             first = s;
     }
@@ -309,11 +293,11 @@ SoundStatus CRynAudioOutput::ApplyCrossFader(float position, const float levels[
 
 SoundStatus CRynAudioOutput::SetForwardEffects(
     int deck, std::vector<std::shared_ptr<sound::SoundEffect>> effects) {
-    CRynSoundEngine* e = Live(deck);
-    if (!e || !e->Deck(deck).forward)
+    sound::SoundBuffer* forward = Buffer(deck, kForward);
+    if (!forward)
         return kStatusNotInitialised;
-    const SoundStatus s = e->Deck(deck).forward->SetEffects(effects);
+    const SoundStatus s = forward->SetEffects(effects);
     if (s == kStatusOk)
-        e->Deck(deck).effects = std::move(effects);
+        engine_->Deck(deck).effects = std::move(effects);
     return s;
 }

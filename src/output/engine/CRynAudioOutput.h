@@ -24,8 +24,9 @@
 #include "core/AppMessages.h"
 #include "core/EngineState.h"
 #include "output/engine/CRynSoundEngine.h"
-#include "output/laws/CrossFaderCurve.h"
 #include "platform/sound/SoundStatus.h"
+
+class CrossFaderGains;
 
 class CRynAudioOutput {
   public:
@@ -124,35 +125,35 @@ class CRynAudioOutput {
     int MasterLeftPercent() const { return masterLeft_; }
     int MasterRightPercent() const { return masterRight_; }
 
-    // The cross fader. SetCrossFaderCurve builds the two 99-gain tables from
-    // the curve parameter c in -1 … +1 (-1 logarithmic, 0 ramp, +1 wedge);
-    // deck B's table is the base curve, deck A's the same reversed. It works
-    // without a device too: the tables are this output's own data.
-    void SetCrossFaderCurve(float c);
-    float CrossFaderCurveParameter() const { return curveParameter_; }
-    // Fader position x in -1 … +1 (-1 is all deck A) and the two deck levels
-    // 0 … 1: k = trunc((x + 1) · 0.5 · 98) mod 99; per deck (A, then B) the
-    // gain g = table[k] is remembered as CrossFaderGain and the deck gets
-    // SetDeckGain(g · level). Returns the first failure, else 0; without a
-    // device the gains are still remembered.
-    SoundStatus ApplyCrossFader(float position, const float levels[2]);
-    const std::array<float, CrossFaderCurve::kSteps>& CrossFaderTable(int deck) const {
-        return crossFader_.Table(Clamp(deck));
-    }
-    // The gain last taken from the deck's table (1.0 before the first apply).
-    float CrossFaderGain(int deck) const { return crossFaderGain_[Clamp(deck)]; }
-    // The table index of the last apply (-1 before the first).
-    int CrossFaderIndex() const { return crossFaderIndex_; }
+    // The cross fader and the two deck levels 0 … 1: per deck (A, then B)
+    // SetDeckGain(fader.Gain(deck) · level). Returns the first failure, else 0.
+    SoundStatus ApplyCrossFader(const CrossFaderGains& fader, const float levels[2]);
 
     // The effect chain of the deck's forward buffer (empty: none).
     SoundStatus SetForwardEffects(int deck,
                                   std::vector<std::shared_ptr<sound::SoundEffect>> effects);
 
   private:
+    enum Ring { kForward, kReverse, kScratch };
+
     static int Clamp(int deck) { return deck == 1 ? 1 : 0; }
     // The engine when it has a device and the deck index is valid.
     CRynSoundEngine* Live(int deck) const;
-    Cursor Read(const sound::SoundBuffer* buffer, bool write) const;
+    // The deck's buffer on the live engine; null without one.
+    sound::SoundBuffer* Buffer(int deck, Ring ring) const;
+    // The engine's operation `op` on the deck, kStatusNotInitialised
+    // without a live engine.
+    template <typename... Params, typename... Args>
+    SoundStatus OnEngine(int deck, SoundStatus (CRynSoundEngine::*op)(int, Params...),
+                         Args... args) {
+        CRynSoundEngine* e = Live(deck);
+        return e ? (e->*op)(deck, args...) : kStatusNotInitialised;
+    }
+    static Cursor Read(const sound::SoundBuffer* buffer);  // the play cursor
+    Cursor WriteCursor(int deck, Ring ring) const;         // forward or reverse
+    static SoundStatus SetFrequency(sound::SoundBuffer* buffer, int hz);
+    // `bytes` rounded down to a frame; negative: kStatusInvalidParam.
+    static SoundStatus SetPosition(sound::SoundBuffer* buffer, int bytes);
 
     std::unique_ptr<CRynSoundEngine> engine_;
     WindowHandle window_ = 0;
@@ -162,9 +163,5 @@ class CRynAudioOutput {
     std::array<double, kDeckCount> lastRateTime_{};
     int masterLeft_ = 100;
     int masterRight_ = 100;
-    PcmBlock reversed_{};         // work space of WriteDeckBlock
-    CrossFaderCurve crossFader_;  // ramp until a curve is set
-    float curveParameter_ = 0.0f;
-    std::array<float, kDeckCount> crossFaderGain_{1.0f, 1.0f};
-    int crossFaderIndex_ = -1;
+    PcmBlock reversed_{};  // work space of WriteDeckBlock
 };

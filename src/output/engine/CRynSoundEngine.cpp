@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
-#include "output/engine/OutputLaws.h"
+#include "output/engine/FadeCurves.h"
+#include "output/engine/RingGeometry.h"
 #include "platform/sound/SoundSystem.h"
 
 using sound::SoundBuffer;
@@ -20,6 +21,11 @@ std::array<sound::NotificationPosition, kOutputRingBlocks> BlockEnds(SyncEvent* 
     for (int k = 0; k < kOutputRingBlocks; ++k)
         list[k] = {static_cast<std::uint32_t>(kBlockBytes - 1 + kBlockBytes * k), event};
     return list;
+}
+
+void StopIfAny(SoundBuffer* buffer) {
+    if (buffer)
+        buffer->Stop();
 }
 
 // The largest scratch buffer tried when the device keeps answering "too small".
@@ -168,6 +174,12 @@ SoundStatus CRynSoundEngine::FadeOut(SoundBuffer* buffer) {
     return s;
 }
 
+void CRynSoundEngine::MirrorForward(DeckBuffers& d) {
+    std::uint32_t play = 0;
+    d.forward->GetCurrentPosition(&play, nullptr);
+    d.reverse->SetCurrentPosition(static_cast<std::uint32_t>(output::MirrorPosition(play)));
+}
+
 SoundStatus CRynSoundEngine::PlayForward(int deck) {
     if (!ValidDeck(deck))
         return kStatusNotInitialised;
@@ -180,9 +192,7 @@ SoundStatus CRynSoundEngine::PlayReverse(int deck) {
     DeckBuffers& d = decks_[deck];
     if (!d.forward || !d.reverse)
         return kStatusNotInitialised;
-    std::uint32_t play = 0;
-    d.forward->GetCurrentPosition(&play, nullptr);
-    d.reverse->SetCurrentPosition(static_cast<std::uint32_t>(output::MirrorPosition(play)));
+    MirrorForward(d);
     return FadeIn(d.reverse.get());
 }
 
@@ -190,10 +200,8 @@ SoundStatus CRynSoundEngine::StopForward(int deck) {
     if (!ValidDeck(deck))
         return kStatusNotInitialised;
     DeckBuffers& d = decks_[deck];
-    if (d.reverse)
-        d.reverse->Stop();
-    if (d.scratch)
-        d.scratch->Stop();
+    StopIfAny(d.reverse.get());
+    StopIfAny(d.scratch.get());
     return FadeOut(d.forward.get());
 }
 
@@ -208,8 +216,7 @@ SoundStatus CRynSoundEngine::SwitchDirection(int deck, bool toForward) {
         return kStatusNotInitialised;
     DeckBuffers& d = decks_[deck];
     if (toForward) {
-        if (d.reverse)
-            d.reverse->Stop();
+        StopIfAny(d.reverse.get());
         if (!d.forward)
             return kStatusNotInitialised;
         return d.forward->Play(true);  // from where it stopped, no fade
@@ -217,9 +224,7 @@ SoundStatus CRynSoundEngine::SwitchDirection(int deck, bool toForward) {
     if (!d.reverse || !d.forward)
         return kStatusNotInitialised;
     d.forward->Stop();
-    std::uint32_t play = 0;
-    d.forward->GetCurrentPosition(&play, nullptr);
-    d.reverse->SetCurrentPosition(static_cast<std::uint32_t>(output::MirrorPosition(play)));
+    MirrorForward(d);
     return d.reverse->Play(true);
 }
 
@@ -303,8 +308,7 @@ SoundStatus CRynSoundEngine::EndScratch(int deck) {
     if (!ValidDeck(deck))
         return kStatusNotInitialised;
     DeckBuffers& d = decks_[deck];
-    if (d.scratch)
-        d.scratch->Stop();
+    StopIfAny(d.scratch.get());
     d.scratch.reset();
     d.scratchBytes = 0;
     if (!d.forward)

@@ -99,6 +99,9 @@ class CRynSoundEngine {
     // the status of the last buffer set.
     template <typename Set>
     SoundStatus SetOnDeckBuffers(int deck, Set set);
+    // Puts the reverse ring's play position at the mirror of the forward
+    // ring's (both rings exist).
+    static void MirrorForward(DeckBuffers& d);
     static SoundStatus WriteBlock(sound::SoundBuffer* buffer, int* cursor, int delta,
                                   const std::uint8_t* block);
 

@@ -2,40 +2,41 @@
 
 #include <string>
 
+namespace {
+
+// What ties one kind of thread to its deck, in the order of NotifyKind.
+struct NotifyWiring {
+    SyncEvent DeckSharedState::*event;
+    std::atomic<std::int32_t> DeckSharedState::*stop;
+    Uwm message;
+    const char* name;  // of the thread, before the deck letter
+};
+
+constexpr NotifyWiring kWiring[] = {
+    {&DeckSharedState::forwardNotifyEvent, &DeckSharedState::forwardThreadStop, UWM_FORWARD_NOTIFY,
+     "forward"},
+    {&DeckSharedState::reverseNotifyEvent, &DeckSharedState::reverseThreadStop, UWM_REVERSE_NOTIFY,
+     "reverse"},
+    {&DeckSharedState::scratchNotifyEvent, &DeckSharedState::scratchThreadStop, UWM_SCRATCH_DONE,
+     "scratch"},
+};
+
+const NotifyWiring& Wiring(NotifyKind kind) {
+    return kWiring[static_cast<int>(kind)];
+}
+
+}  // namespace
+
 SyncEvent& NotifyEvent(DeckSharedState& d, NotifyKind kind) {
-    switch (kind) {
-        case NotifyKind::Forward:
-            return d.forwardNotifyEvent;
-        case NotifyKind::Reverse:
-            return d.reverseNotifyEvent;
-        case NotifyKind::Scratch:
-            break;
-    }
-    return d.scratchNotifyEvent;
+    return d.*Wiring(kind).event;
 }
 
 std::atomic<std::int32_t>& NotifyStopFlag(DeckSharedState& d, NotifyKind kind) {
-    switch (kind) {
-        case NotifyKind::Forward:
-            return d.forwardThreadStop;
-        case NotifyKind::Reverse:
-            return d.reverseThreadStop;
-        case NotifyKind::Scratch:
-            break;
-    }
-    return d.scratchThreadStop;
+    return d.*Wiring(kind).stop;
 }
 
 Uwm NotifyMessage(NotifyKind kind) {
-    switch (kind) {
-        case NotifyKind::Forward:
-            return UWM_FORWARD_NOTIFY;
-        case NotifyKind::Reverse:
-            return UWM_REVERSE_NOTIFY;
-        case NotifyKind::Scratch:
-            break;
-    }
-    return UWM_SCRATCH_DONE;
+    return Wiring(kind).message;
 }
 
 void RunNotifyThread(SharedEngineState& engine, NotifyKind kind, int deck, WindowHandle target,
@@ -88,9 +89,7 @@ void NotifyThreads::Start(NotifyKind kind, int deck, WindowHandle target) {
     }
     NotifyStopFlag(engine_.decks[deck], kind).store(0);
     slot = std::make_unique<WorkerThread>();
-    static const char* const kNames[] = {"forward", "reverse", "scratch"};
-    const std::string name =
-        std::string(kNames[static_cast<int>(kind)]) + "-" + static_cast<char>('A' + deck);
+    const std::string name = std::string(Wiring(kind).name) + "-" + static_cast<char>('A' + deck);
     SharedEngineState& engine = engine_;
     slot->Start(name, ThreadPriority::TimeCritical,
                 [&engine, kind, deck, target](const std::atomic<bool>& cancelled) {

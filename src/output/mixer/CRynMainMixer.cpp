@@ -114,13 +114,21 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
 
 void CRynMainMixer::LayoutBuilt() {
     buildingLayout_ = false;
-    for (int d = 0; d < 2; ++d) {
-        if (!decks_[d] || !decks_[d]->Transport().HoldsLoop())
-            ApplyTarget(d, targets_[d].RequestQuarter(Engine().decks[d].latencyBlocks.load()));
-    }
+    for (int d = 0; d < 2; ++d)
+        ChangeLatency(d, WriteAheadTarget::Override::Quarter, true);
 }
 
-void CRynMainMixer::ApplyTarget(int deck, std::optional<int> target) {
+void CRynMainMixer::ChangeLatency(int deck, WriteAheadTarget::Override which, bool request) {
+    // Requests made while the layout is built do not count; a deck whose
+    // turntable plays a loop is never put on a quarter.
+    if (buildingLayout_)
+        return;
+    if (request && which == WriteAheadTarget::Override::Quarter && decks_[deck] &&
+        decks_[deck]->Transport().HoldsLoop())
+        return;
+    WriteAheadTarget& t = targets_[deck];
+    const int user = Engine().decks[deck].latencyBlocks.load();
+    const std::optional<int> target = request ? t.Request(which, user) : t.Withdraw(which, user);
     // The actual-latency control of the configuration window shows it; its
     // value becomes the deck's write-ahead.
     if (target)
@@ -204,108 +212,29 @@ void CRynMainMixer::OnOverloadLampChanged() {
 
 LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
     SharedEngineState& e = Engine();
-    const int deck = static_cast<int>(wParam);
     switch (msg) {
         case UWM_START_FORWARD_THREAD:
-            if (!ValidDeck(wParam))
-                return 0;
-            notify_.Start(NotifyKind::Forward, deck, Handle());
-            sink_->PlayForward(deck, true);
-            e.decks[deck].isPlaying.store(1);
-            return 0;
         case UWM_START_REVERSE_THREAD:
-            if (!ValidDeck(wParam))
-                return 0;
-            notify_.Start(NotifyKind::Reverse, deck, Handle());
-            sink_->PlayReverse(deck, true);
-            return 0;
         case UWM_START_SCRATCH:
-            if (!ValidDeck(wParam))
-                return 0;
-            notify_.Start(NotifyKind::Scratch, deck, Handle());
-            sink_->CreateScratch(deck, static_cast<int>(lParam));
-            return 0;
         case UWM_FORWARD_NOTIFY:
-            if (ValidDeck(wParam))
-                MixStep(deck);
-            return 0;
         case UWM_REVERSE_NOTIFY:
-            if (ValidDeck(wParam))
-                ReverseStep(deck);
-            return 0;
         case UWM_SCRATCH_DONE:
-            if (!ValidDeck(wParam))
-                return 0;
-            KillWindowTimer(deck == 0 ? 7 : 8);
-            e.decks[deck].scratchThreadStop.store(1);
-            sink_->EndScratch(deck);
-            return 0;
         case UWM_STOP_DECK:
-            if (ValidDeck(wParam))
-                StopDeck(deck);
-            return 0;
         case UWM_STOP_REVERSE:
-            if (ValidDeck(wParam))
-                StopReverse(deck);
-            return 0;
         case UWM_FORWARD_PLAY:
-            if (ValidDeck(wParam))
-                sink_->PlayForward(deck, lParam != 0);
-            return 0;
         case UWM_REVERSE_PLAY:
-            if (ValidDeck(wParam))
-                sink_->PlayReverse(deck, lParam != 0);
-            return 0;
         case UWM_PRIME_DECK:
-            if (!ValidDeck(wParam))
-                return 0;
-            sink_->Prime(deck, e.decks[deck].writeAheadBlocks.load());
-            if (decks_[deck])
-                decks_[deck]->Transport().OnPrimed();
-            return 0;
         case UWM_CREATE_DECK_BUFFERS:
-            if (!ValidDeck(wParam))
-                return 0;
-            sink_->CreateDeckBuffers(deck, lParam > 0 ? static_cast<int>(lParam) : 44100);
-            // New buffers carry no settings: the deck's tempo again (the
-            // deck recomputes and sends its frequency).
-            panel_->ApplyCrossFader();
-            if (decks_[deck])
-                decks_[deck]->ApplyTempo();
-            if (onBuffersCreated)
-                onBuffersCreated(deck);
-            return 0;
         case UWM_SET_FORWARD_FREQUENCY:
-            if (ValidDeck(wParam))
-                sink_->SetForwardFrequency(deck, static_cast<int>(lParam));
-            return 0;
         case UWM_SET_FORWARD_POSITION:
-            if (ValidDeck(wParam))
-                sink_->SetForwardPosition(deck, static_cast<int>(lParam));
-            return 0;
-        case UWM_LATENCY_MAXIMUM:
-            if (buildingLayout_)
-                return 0;
-            for (int d = 0; d < 2; ++d) {
-                const int user = e.decks[d].latencyBlocks.load();
-                ApplyTarget(d, lParam == 0 ? targets_[d].RequestMaximum(user)
-                                           : targets_[d].WithdrawMaximum(user));
-            }
-            return 0;
-        case UWM_LATENCY_QUARTER: {
-            if (!ValidDeck(wParam) || buildingLayout_)
-                return 0;
-            const int user = e.decks[deck].latencyBlocks.load();
-            if (lParam == 0) {
-                if (!decks_[deck] || !decks_[deck]->Transport().HoldsLoop())
-                    ApplyTarget(deck, targets_[deck].RequestQuarter(user));
-            } else {
-                ApplyTarget(deck, targets_[deck].WithdrawQuarter(user));
-            }
-            return 0;
-        }
+        case UWM_LATENCY_QUARTER:
         case UWM_ASSIGN_CD_DRIVE:
-            return ValidDeck(wParam) ? AssignDrive(deck, static_cast<int>(lParam)) : 0;
+        case UWM_DECK_INFO_UPDATE:
+            return ValidDeck(wParam) ? OnDeckMessage(msg, static_cast<int>(wParam), lParam) : 0;
+        case UWM_LATENCY_MAXIMUM:
+            for (int d = 0; d < 2; ++d)
+                ChangeLatency(d, WriteAheadTarget::Override::Maximum, lParam == 0);
+            return 0;
         case UWM_SET_SOUND_DEVICE:
             if (wParam == 0)
                 ChooseMainDevice(lParam != 0 ? StartupDeviceIdentifier() : std::string());
@@ -315,11 +244,6 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             return 0;
         case UWM_GRAPHS_UPDATE:
             ++graphsUpdates_;
-            return 0;
-        case UWM_DECK_INFO_UPDATE:
-            if (ValidDeck(wParam) && decks_[deck] && decks_[deck]->Info()) {
-                decks_[deck]->Info()->Refresh();
-            }
             return 0;
         case UWM_GRAPHS_PRIORITY:
             if (e.graphsThread) {
@@ -332,4 +256,80 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
         default:
             return CRynWindow::OnAppMessage(msg, wParam, lParam);
     }
+}
+
+LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
+    DeckSharedState& shared = Engine().decks[deck];
+    const int value = static_cast<int>(lParam);
+    switch (msg) {
+        case UWM_START_FORWARD_THREAD:
+            notify_.Start(NotifyKind::Forward, deck, Handle());
+            sink_->PlayForward(deck, true);
+            shared.isPlaying.store(1);
+            break;
+        case UWM_START_REVERSE_THREAD:
+            notify_.Start(NotifyKind::Reverse, deck, Handle());
+            sink_->PlayReverse(deck, true);
+            break;
+        case UWM_START_SCRATCH:
+            notify_.Start(NotifyKind::Scratch, deck, Handle());
+            sink_->CreateScratch(deck, value);
+            break;
+        case UWM_FORWARD_NOTIFY:
+            MixStep(deck);
+            break;
+        case UWM_REVERSE_NOTIFY:
+            ReverseStep(deck);
+            break;
+        case UWM_SCRATCH_DONE:
+            KillWindowTimer(deck == 0 ? 7 : 8);
+            shared.scratchThreadStop.store(1);
+            sink_->EndScratch(deck);
+            break;
+        case UWM_STOP_DECK:
+            StopDeck(deck);
+            break;
+        case UWM_STOP_REVERSE:
+            StopReverse(deck);
+            break;
+        case UWM_FORWARD_PLAY:
+            sink_->PlayForward(deck, lParam != 0);
+            break;
+        case UWM_REVERSE_PLAY:
+            sink_->PlayReverse(deck, lParam != 0);
+            break;
+        case UWM_PRIME_DECK:
+            sink_->Prime(deck, shared.writeAheadBlocks.load());
+            if (decks_[deck])
+                decks_[deck]->Transport().OnPrimed();
+            break;
+        case UWM_CREATE_DECK_BUFFERS:
+            sink_->CreateDeckBuffers(deck, value > 0 ? value : 44100);
+            // New buffers carry no settings: the deck's tempo again (the
+            // deck recomputes and sends its frequency).
+            panel_->ApplyCrossFader();
+            if (decks_[deck])
+                decks_[deck]->ApplyTempo();
+            if (onBuffersCreated)
+                onBuffersCreated(deck);
+            break;
+        case UWM_SET_FORWARD_FREQUENCY:
+            sink_->SetForwardFrequency(deck, value);
+            break;
+        case UWM_SET_FORWARD_POSITION:
+            sink_->SetForwardPosition(deck, value);
+            break;
+        case UWM_LATENCY_QUARTER:
+            ChangeLatency(deck, WriteAheadTarget::Override::Quarter, lParam == 0);
+            break;
+        case UWM_ASSIGN_CD_DRIVE:
+            return AssignDrive(deck, value);
+        case UWM_DECK_INFO_UPDATE:
+            if (decks_[deck] && decks_[deck]->Info())
+                decks_[deck]->Info()->Refresh();
+            break;
+        default:
+            break;
+    }
+    return 0;
 }

@@ -13,17 +13,16 @@
 
 #include <array>
 #include <functional>
-#include <optional>
 #include <string>
 
 #include "core/CRynWindow.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "output/engine/DisplayPacing.h"
+#include "output/engine/MixCycle.h"
+#include "output/engine/MixStepSink.h"
 #include "output/engine/NotifyThreads.h"
+#include "output/engine/WriteAheadTarget.h"
 #include "output/mixer/MainMixerPanel.h"
-#include "output/mixer/MixCycle.h"
-#include "output/mixer/MixStepSink.h"
-#include "output/mixer/WriteAheadTarget.h"
 
 class CRynDeck;
 class CRynHeadphonesMixer;
@@ -101,7 +100,11 @@ class CRynMainMixer : public CRynWindow {
     void ReverseStep(int deck);
     void PaceDisplay();
     void StopDeck(int deck);
-    void ApplyTarget(int deck, std::optional<int> target);
+    // Deck `deck` (0 or 1) and its message.
+    LResult OnDeckMessage(Uwm msg, int deck, LParam lParam);
+    // A latency override requested (true) or withdrawn for the deck; the new
+    // target, if any, becomes its write-ahead.
+    void ChangeLatency(int deck, WriteAheadTarget::Override which, bool request);
     LResult AssignDrive(int deck, int drive);
     void StopReverse(int deck);
     void OnTick();

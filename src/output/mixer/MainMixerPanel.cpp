@@ -324,7 +324,7 @@ void MainMixerPanel::DrawCurvePictures() {
 }
 
 void MainMixerPanel::RedrawPlot() {
-    PlotTables(plot_, curve_);
+    PlotTables(plot_, gains_.Curve());
     plot_->SetCursorX(0, PlotCursorX(crossFader_->Value()));
 }
 
@@ -337,10 +337,11 @@ void MainMixerPanel::SetDeckColours(int deck, const QColor& main, const QColor& 
 }
 
 void MainMixerPanel::ApplyCrossFader() {
+    gains_.MoveTo(CrossFader());
     if (!main_)
         return;
     const float levels[2] = {Level(0), Level(1)};
-    main_->ApplyCrossFader(CrossFader(), levels);
+    main_->ApplyCrossFader(gains_, levels);
 }
 
 void MainMixerPanel::OnLevelMoved(int deck) {
@@ -386,9 +387,7 @@ void MainMixerPanel::OnCurveMoved(double value) {
     const float c = static_cast<float>(value);
     if (onCurveChanged)
         onCurveChanged(c);
-    curve_.SetCurve(c);
-    if (main_)
-        main_->SetCrossFaderCurve(c);
+    gains_.SetCurve(c);
     RedrawPlot();
     ApplyCrossFader();
     if (!curveHeld_)

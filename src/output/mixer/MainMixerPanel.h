@@ -7,8 +7,8 @@
 //   deck level moved     -> cross fader applied again
 //   cross fader moved    -> catch-up switch set for 200 ms (timer 1), plot
 //                           cursor at trunc((x + 1) · 49), cross fader applied
-//   curve selector moved -> onCurveChanged(c), SetCrossFaderCurve(c) on the
-//                           main output, plot redrawn, cross fader applied,
+//   curve selector moved -> onCurveChanged(c), c as the curve of Gains(),
+//                           plot redrawn, cross fader applied,
 //                           c stored as "mainMixerXFaderCurveParameter"
 //   volume / balance     -> the main output's master gain (MasterLine.h),
 //                           only while the main device is enabled
@@ -17,8 +17,10 @@
 // Timer 5 applies the cross fader again every second. Right clicks centre the
 // cross fader and the balance; the cross fader's end arrows move it by 1.0.
 //
-// The main output may be null or have no device: the controls still move and
-// the cross-fader gains are still computed, nothing reaches a device.
+// The panel owns the cross fader's state (Gains(): curve and position); its
+// plot draws the curve from it and the main output takes the deck gains from
+// it. The main output may be null or have no device: the controls still move
+// and the cross-fader gains are still worked out, nothing reaches a device.
 //
 // Settings: the deck levels are stored when the mouse lets go of a level
 // slide, and half a second after the last move from code or keys (a settings
@@ -37,7 +39,7 @@
 #include <functional>
 
 #include "output/laws/AutoPan.h"
-#include "output/laws/CrossFaderCurve.h"
+#include "output/laws/CrossFaderGains.h"
 
 class CNiButton;
 class CNiGraph;
@@ -80,8 +82,12 @@ class MainMixerPanel : public QWidget {
     // deck's curve in the cross-fader plot takes `main`.
     void SetDeckColours(int deck, const QColor& main, const QColor& dark);
 
-    // Applies the fader position and the two levels to the main output.
+    // Moves Gains() to the fader's position and applies it with the two
+    // levels to the main output.
     void ApplyCrossFader();
+    // The cross fader's curve and position as last applied, and the deck
+    // gains they give.
+    const CrossFaderGains& Gains() const { return gains_; }
     // Set by every cross-fader move, cleared 200 ms later: while set, a mix
     // step writes at most one block.
     bool CatchUp() const { return catchUp_; }
@@ -176,7 +182,7 @@ class MainMixerPanel : public QWidget {
     CNiSlide* autoPanSpeed_ = nullptr;
     std::array<QColor, 2> deckColours_{};
 
-    CrossFaderCurve curve_;  // the curve in use, drawn in the plot
+    CrossFaderGains gains_;  // the curve in use, drawn in the plot
     AutoPan autoPan_;
     // AutoPan keeps the saved balance as a float; the slide holds a double,
     // and turning auto-pan off puts back exactly what the slide held.

@@ -1,10 +1,12 @@
-// The main mixer's laws: cross-fader curves, master line levels, auto-pan.
+// The main mixer's laws: cross-fader curves, the deck gain and pan laws,
+// master line levels, auto-pan.
 #include <gtest/gtest.h>
 
 #include <cmath>
 
 #include "output/laws/AutoPan.h"
 #include "output/laws/CrossFaderCurve.h"
+#include "output/laws/DeckGainLaw.h"
 #include "output/laws/MasterLine.h"
 
 TEST(CrossFaderCurve, CurvesAtCentreAndEnds) {
@@ -34,6 +36,17 @@ TEST(CrossFaderCurve, CurvesAtCentreAndEnds) {
     // Deck A's table is deck B's reversed.
     for (int k = 0; k < 99; ++k)
         EXPECT_EQ(curve.Table(0)[k], curve.Table(1)[98 - k]);
+}
+
+TEST(DeckGainLaw, GainAndPanToTheDevice) {
+    EXPECT_EQ(output::DeckGainToVolume(1.0f), 0);
+    EXPECT_EQ(output::DeckGainToVolume(0.0001f), -10000);
+    EXPECT_EQ(output::DeckGainToVolume(0.5f), -1250);
+    EXPECT_EQ(output::DeckPanToDevice(0.25f), 2500);
+    EXPECT_EQ(output::DeckPanToDevice(-1.0f), -10000);
+    EXPECT_EQ(output::DeckPanToDevice(1.0f), 10000);
+    EXPECT_EQ(output::DeckPanToDevice(0.0f), 0);
+    EXPECT_EQ(output::DeckPanToDevice(3.0f), 10000);  // held to the pan's range
 }
 
 TEST(MasterLine, VolumeAndBalance) {

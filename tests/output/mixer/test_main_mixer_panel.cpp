@@ -77,20 +77,20 @@ TEST_F(MainMixerPanelTest, CurveShapesTheGainsAtTheCentre) {
     panel->SetLevel(0, 0.8f);
     panel->SetLevel(1, 0.6f);
     panel->SetCrossFader(0.0f);
-    EXPECT_EQ(out.CrossFaderIndex(), 49);
+    EXPECT_EQ(panel->Gains().Index(), 49);
 
     // Ramp: both decks get 49/99 of their level.
     panel->SetCurveParameter(0.0f);
-    EXPECT_FLOAT_EQ(out.CrossFaderGain(0), 49 * kStep);
-    EXPECT_FLOAT_EQ(out.CrossFaderGain(1), 49 * kStep);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(0), 49 * kStep);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(1), 49 * kStep);
     EXPECT_EQ(DeviceVolume(0), -1511);  // 0.495 · 0.8
     EXPECT_EQ(DeviceVolume(1), -1758);  // 0.495 · 0.6
     EXPECT_EQ(out.SoundEngine()->Deck(0).reverse->Volume(), -1511);
 
     // Wedge: full gain at the centre, so the levels alone.
     panel->SetCurveParameter(1.0f);
-    EXPECT_FLOAT_EQ(out.CrossFaderGain(0), 1.0f);
-    EXPECT_FLOAT_EQ(out.CrossFaderGain(1), 1.0f);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(0), 1.0f);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(1), 1.0f);
     EXPECT_EQ(DeviceVolume(0), Law(0.8f));
     EXPECT_EQ(DeviceVolume(1), Law(0.6f));
 
@@ -98,8 +98,8 @@ TEST_F(MainMixerPanelTest, CurveShapesTheGainsAtTheCentre) {
     panel->SetCurveParameter(-1.0f);
     const float cube = static_cast<float>(std::pow(static_cast<double>(49 * kStep), 1.0 / 3.0));
     EXPECT_NEAR(cube, 0.791, 0.001);
-    EXPECT_FLOAT_EQ(out.CrossFaderGain(0), cube);
-    EXPECT_FLOAT_EQ(out.CrossFaderGain(1), cube);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(0), cube);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(1), cube);
     EXPECT_EQ(DeviceVolume(0), -918);
     EXPECT_EQ(DeviceVolume(1), -1314);
 
@@ -107,12 +107,12 @@ TEST_F(MainMixerPanelTest, CurveShapesTheGainsAtTheCentre) {
     // shows the curves in use.
     EXPECT_EQ(curves, (std::vector<float>{0.0f, 1.0f, -1.0f}));
     EXPECT_FLOAT_EQ(settings->GetMainMixerXFaderCurveParameter(), -1.0f);
-    EXPECT_FLOAT_EQ(out.CrossFaderCurveParameter(), -1.0f);
+    EXPECT_FLOAT_EQ(panel->Gains().CurveParameter(), -1.0f);
     const QVector<double> b = panel->CrossFaderPlot()->PlotData(1);
     ASSERT_EQ(b.size(), 99);
     EXPECT_FLOAT_EQ(static_cast<float>(b[49]), cube);
     EXPECT_FLOAT_EQ(static_cast<float>(panel->CrossFaderPlot()->PlotData(0)[0]),
-                    out.CrossFaderTable(1)[98]);
+                    panel->Gains().Table(1)[98]);
 }
 
 TEST_F(MainMixerPanelTest, FaderEndsAndTheTableIndex) {
@@ -123,20 +123,20 @@ TEST_F(MainMixerPanelTest, FaderEndsAndTheTableIndex) {
 
     // Start-up put the fader at -1: all deck A, and A's gain is T[98] = 98/99.
     panel->SetCrossFader(-1.0f);
-    EXPECT_EQ(out.CrossFaderIndex(), 0);
+    EXPECT_EQ(panel->Gains().Index(), 0);
     EXPECT_EQ(DeviceVolume(1), -10000);
-    EXPECT_FLOAT_EQ(out.CrossFaderGain(0), 98 * kStep);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(0), 98 * kStep);
     EXPECT_EQ(DeviceVolume(0), -26);  // -2500 + trunc(2500 · 0.9899)
 
     panel->SetCrossFader(0.999f);
-    EXPECT_EQ(out.CrossFaderIndex(), 97);
-    EXPECT_FLOAT_EQ(out.CrossFaderGain(0), 1 * kStep);
-    EXPECT_FLOAT_EQ(out.CrossFaderGain(1), 97 * kStep);
+    EXPECT_EQ(panel->Gains().Index(), 97);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(0), 1 * kStep);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(1), 97 * kStep);
     EXPECT_EQ(DeviceVolume(1), Law(97 * kStep * 0.6f));
     EXPECT_DOUBLE_EQ(panel->CrossFaderPlot()->CursorX(0), 97.0);
 
     panel->SetCrossFader(1.0f);
-    EXPECT_EQ(out.CrossFaderIndex(), 98);
+    EXPECT_EQ(panel->Gains().Index(), 98);
     EXPECT_EQ(DeviceVolume(0), -10000);
     EXPECT_EQ(DeviceVolume(1), Law(98 * kStep * 0.6f));
 
@@ -160,7 +160,7 @@ TEST_F(MainMixerPanelTest, RightClickCentresAndArrowsMoveHalfwayAcross) {
 
     QTest::mouseClick(fader, Qt::RightButton, {}, fader->rect().center());
     EXPECT_DOUBLE_EQ(fader->Value(), 0.0);
-    EXPECT_EQ(out.CrossFaderIndex(), 49);
+    EXPECT_EQ(panel->Gains().Index(), 49);
     EXPECT_DOUBLE_EQ(panel->CrossFaderPlot()->CursorX(0), 49.0);
     EXPECT_EQ(faderMoves, 1);
     // Each move sets the catch-up switch; timer 1 clears it.
@@ -173,14 +173,14 @@ TEST_F(MainMixerPanelTest, RightClickCentresAndArrowsMoveHalfwayAcross) {
     const QPoint left(8, fader->height() / 2);
     QTest::mouseClick(fader, Qt::LeftButton, {}, right);
     EXPECT_DOUBLE_EQ(fader->Value(), 1.0);
-    EXPECT_EQ(out.CrossFaderIndex(), 98);
+    EXPECT_EQ(panel->Gains().Index(), 98);
     EXPECT_TRUE(panel->CatchUp());
     QTest::mouseClick(fader, Qt::LeftButton, {}, right);  // held at the end
     EXPECT_DOUBLE_EQ(fader->Value(), 1.0);
     QTest::mouseClick(fader, Qt::LeftButton, {}, left);
     QTest::mouseClick(fader, Qt::LeftButton, {}, left);
     EXPECT_DOUBLE_EQ(fader->Value(), -1.0);
-    EXPECT_EQ(out.CrossFaderIndex(), 0);
+    EXPECT_EQ(panel->Gains().Index(), 0);
     EXPECT_EQ(DeviceVolume(1), -10000);
 
     // Centring an already centred fader still applies it.
@@ -224,7 +224,7 @@ TEST_F(MainMixerPanelTest, WithoutADeviceTheControlsStillMove) {
     MakePanel(&none);
     panel->SetCurveParameter(1.0f);
     panel->SetCrossFader(0.0f);
-    EXPECT_FLOAT_EQ(none.CrossFaderGain(1), 1.0f);
+    EXPECT_FLOAT_EQ(panel->Gains().Gain(1), 1.0f);
     panel->SetVolume(0.5f);
     panel->SetBalance(0.5f);
     EXPECT_EQ(none.MasterLeftPercent(), 100);  // never written

@@ -10,7 +10,7 @@
 #include "deck/CRynDeck.h"
 #include "deck/DeckRig.h"
 #include "output/mixer/CRynMainMixer.h"
-#include "output/mixer/WriteAheadTarget.h"
+#include "output/engine/WriteAheadTarget.h"
 
 using testsupport::PlaybackRig;
 

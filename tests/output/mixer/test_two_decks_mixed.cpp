@@ -12,7 +12,7 @@
 #include "deck/CRynDeck.h"
 #include "deck/DeckRig.h"
 #include "deck/tempo/DeckTempoPanel.h"
-#include "output/engine/OutputLaws.h"
+#include "output/laws/DeckGainLaw.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "platform/sound/SoundTypes.h"
 

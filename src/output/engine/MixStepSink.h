@@ -1,7 +1,7 @@
 // The block work the main mixer hands on at each step of the mix cycle: the
 // deck's next block to both output devices, and the transport of the deck
-// buffers. The sound engine binds this to the real devices; until then, and in
-// tests, the main mixer uses a sink that does nothing (or counts).
+// buffers. The main mixer's own MixCycle does it on the real devices (an
+// output it lacks is skipped); shell tests put a counting sink in its place.
 // All calls come on the user-interface thread.
 #pragma once
 
@@ -43,10 +43,4 @@ class MixStepSink {
     virtual void CreateDeckBuffers(int /*deck*/, int /*rate*/) {}
     virtual void SetForwardFrequency(int /*deck*/, int /*hz*/) {}
     virtual void SetForwardPosition(int /*deck*/, int /*block*/) {}
-};
-
-// Does nothing: the mixer's sink until the sound engine is bound.
-class NullMixStepSink : public MixStepSink {
-  public:
-    void WriteDeckBlock(int) override {}
 };

@@ -14,7 +14,7 @@
 #include <functional>
 
 #include "core/EngineState.h"
-#include "output/mixer/MixStepSink.h"
+#include "output/engine/MixStepSink.h"
 
 class CRynAudioOutput;
 class MixerDeck;

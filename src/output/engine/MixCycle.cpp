@@ -1,4 +1,4 @@
-#include "output/mixer/MixCycle.h"
+#include "output/engine/MixCycle.h"
 
 #include <chrono>
 

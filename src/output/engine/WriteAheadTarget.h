@@ -7,8 +7,8 @@
 // last wins; withdrawing it brings back the other if that is still
 // requested, else the user's setting as it stands then.
 //
-// Pure state, user-interface thread only. Resolve() answers the new target
-// only when a request or withdrawal changed it; moving the user's setting
+// Pure state, user-interface thread only. Request and Withdraw answer the
+// new target only when they changed a request; moving the user's setting
 // alone never moves the target.
 #pragma once
 
@@ -23,18 +23,18 @@ class WriteAheadTarget {
 
     enum class Override { None, Maximum, Quarter };
 
-    // Each answers the target to write into writeAheadBlocks, or nothing when
-    // the call changes no request.
-    std::optional<int> RequestMaximum(int userSetting);
-    std::optional<int> WithdrawMaximum(int userSetting);
-    std::optional<int> RequestQuarter(int userSetting);
-    std::optional<int> WithdrawQuarter(int userSetting);
+    // Request or withdraw Maximum or Quarter. Each answers the target to write
+    // into writeAheadBlocks, or nothing when the call changes no request (a
+    // withdrawal of what was not requested).
+    std::optional<int> Request(Override which, int userSetting);
+    std::optional<int> Withdraw(Override which, int userSetting);
 
-    Override Active() const;
+    Override Active() const { return last_; }
     bool MaximumRequested() const { return maximum_; }
     bool QuarterRequested() const { return quarter_; }
 
   private:
+    bool& Requested(Override which) { return which == Override::Maximum ? maximum_ : quarter_; }
     int Target(int userSetting) const;
 
     bool maximum_ = false;
