@@ -1,6 +1,5 @@
 #include "controls/CNiButton.h"
 
-#include <QEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QRadialGradient>
@@ -139,9 +138,7 @@ QSize CNiButton::minimumSizeHint() const {
     return IsLamp(style_) ? QSize(8, 8) : QSize(24, 16);
 }
 
-void CNiButton::PressAt(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
-        return;
+void CNiButton::PressAt(QMouseEvent*) {
     if (action_ == kIndicator)
         return;
     held_ = true;
@@ -152,26 +149,18 @@ void CNiButton::PressAt(QMouseEvent* event) {
     update();
 }
 
-void CNiButton::ReleaseAt(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton || !held_)
+void CNiButton::ReleaseAt(QMouseEvent*) {
+    CancelPress();
+}
+
+// Also when the button is disabled while held: it must not stay pressed.
+void CNiButton::CancelPress() {
+    if (!held_)
         return;
     held_ = false;
     if (action_ == kSwitchUntilReleased)
         SetValue(false);
     update();
-}
-
-void CNiButton::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::EnabledChange) {
-        // A button disabled while held must not stay pressed.
-        if (!isEnabled() && held_) {
-            held_ = false;
-            if (action_ == kSwitchUntilReleased)
-                SetValue(false);
-        }
-        update();
-    }
-    CNiControl::changeEvent(event);
 }
 
 void CNiButton::paintEvent(QPaintEvent*) {
@@ -194,9 +183,7 @@ void CNiButton::paintEvent(QPaintEvent*) {
 
 void CNiButton::PaintPush(QPainter& p, const QRectF& r) {
     const bool led = style_ == kLedButton;
-    QColor face = led ? FaceColor() : (value_ ? onColor_ : offColor_);
-    if (!isEnabled())
-        face = Mix(face, PanelColor(), 0.55);
+    const QColor face = ShownColor(led ? FaceColor() : (value_ ? onColor_ : offColor_), 0.55);
     const bool sunken = held_ || (!led && value_ && action_ != kIndicator);
     DrawBevel(p, r, face, sunken, 3.0);
 
@@ -207,9 +194,7 @@ void CNiButton::PaintPush(QPainter& p, const QRectF& r) {
         // The lamp: a small rounded bar at the left edge of the face.
         const qreal h = std::min<qreal>(content.height() - 4, 14);
         const QRectF lamp(content.left() + 1, content.center().y() - h / 2, 7, h);
-        QColor c = value_ ? onColor_ : offColor_;
-        if (!isEnabled())
-            c = Mix(c, PanelColor(), 0.5);
+        const QColor c = ShownColor(value_ ? onColor_ : offColor_, 0.5);
         p.setPen(QPen(FaceDarkColor(), 1.0));
         p.setBrush(c);
         p.drawRoundedRect(lamp, 2, 2);
@@ -255,9 +240,7 @@ void CNiButton::PaintCaption(QPainter& p, const QRectF& r, const QColor& face) {
 }
 
 void CNiButton::PaintLamp(QPainter& p, const QRectF& r, bool round) {
-    QColor c = value_ ? onColor_ : offColor_;
-    if (!isEnabled())
-        c = Mix(c, PanelColor(), 0.5);
+    const QColor c = ShownColor(value_ ? onColor_ : offColor_, 0.5);
     QRectF lamp = r;
     if (round) {
         const qreal d = std::min(r.width(), r.height());

@@ -71,7 +71,7 @@ class CNiButton : public CNiControl {
     void paintEvent(QPaintEvent* event) override;
     void PressAt(QMouseEvent* event) override;
     void ReleaseAt(QMouseEvent* event) override;
-    void changeEvent(QEvent* event) override;
+    void CancelPress() override;
 
   private:
     void PaintPush(QPainter& p, const QRectF& r);

@@ -1,6 +1,12 @@
 #include "controls/CNiControl.h"
 
+#include <QEvent>
 #include <QMouseEvent>
+#include <QPainter>
+
+#include <cmath>
+
+#include "controls/ControlLook.h"
 
 CNiControl::CNiControl(QWidget* parent) : QWidget(parent) {
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -31,6 +37,10 @@ int CNiControl::ShiftState(Qt::KeyboardModifiers modifiers) {
     return bits;
 }
 
+bool CNiControl::UsableAxis(double minimum, double maximum) {
+    return std::isfinite(minimum) && std::isfinite(maximum) && minimum != maximum;
+}
+
 void CNiControl::mousePressEvent(QMouseEvent* event) {
     event->accept();
     if (pressed_ != Qt::NoButton)
@@ -38,12 +48,13 @@ void CNiControl::mousePressEvent(QMouseEvent* event) {
     pressed_ = event->button();
     emit mouseDown(ButtonCode(event->button()), ShiftState(event->modifiers()),
                    event->position().toPoint());
-    PressAt(event);
+    if (pressed_ == Qt::LeftButton)
+        PressAt(event);
 }
 
 void CNiControl::mouseMoveEvent(QMouseEvent* event) {
     event->accept();
-    if (pressed_ != Qt::NoButton)
+    if (pressed_ == Qt::LeftButton)
         DragTo(event);
 }
 
@@ -51,7 +62,8 @@ void CNiControl::mouseReleaseEvent(QMouseEvent* event) {
     event->accept();
     if (event->button() != pressed_)
         return;
-    ReleaseAt(event);
+    if (pressed_ == Qt::LeftButton)
+        ReleaseAt(event);
     pressed_ = Qt::NoButton;
     emit mouseUp(ButtonCode(event->button()), ShiftState(event->modifiers()),
                  event->position().toPoint());
@@ -64,4 +76,36 @@ void CNiControl::mouseDoubleClickEvent(QMouseEvent* event) {
         mousePressEvent(event);
     event->accept();
     emit doubleClicked();
+}
+
+void CNiControl::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::EnabledChange) {
+        if (!isEnabled() && pressed_ != Qt::NoButton) {
+            const bool left = pressed_ == Qt::LeftButton;
+            pressed_ = Qt::NoButton;
+            if (left)
+                CancelPress();
+        }
+        BackgroundChanged();
+    } else if (event->type() == QEvent::FontChange) {
+        BackgroundChanged();
+    }
+    QWidget::changeEvent(event);
+}
+
+void CNiControl::DrawBackground(QPainter& p) {
+    background_.Draw(p, *this, [this](QPainter& bp) { PaintBackground(bp); });
+}
+
+void CNiControl::DrawBackground(QPainter& p, const QRect& part) {
+    background_.Draw(p, *this, part, [this](QPainter& bp) { PaintBackground(bp); });
+}
+
+void CNiControl::BackgroundChanged() {
+    background_.Invalidate();
+    update();
+}
+
+QColor CNiControl::ShownColor(const QColor& c, double fade) const {
+    return isEnabled() ? c : control_look::Mix(c, control_look::PanelColor(), fade);
 }

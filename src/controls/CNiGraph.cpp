@@ -1,6 +1,5 @@
 #include "controls/CNiGraph.h"
 
-#include <QEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -52,23 +51,23 @@ CNiGraph::CNiGraph(QWidget* parent)
 // ---- axes -------------------------------------------------------------------
 
 void CNiGraph::SetXRange(double minimum, double maximum) {
-    if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum)
+    if (!UsableAxis(minimum, maximum))
         return;
     if (minimum == xMin_ && maximum == xMax_)
         return;
     xMin_ = minimum;
     xMax_ = maximum;
-    RangeChanged();
+    BackgroundChanged();
 }
 
 void CNiGraph::SetYRange(double minimum, double maximum) {
-    if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum)
+    if (!UsableAxis(minimum, maximum))
         return;
     if (minimum == yMin_ && maximum == yMax_)
         return;
     yMin_ = minimum;
     yMax_ = maximum;
-    RangeChanged();
+    BackgroundChanged();
 }
 
 void CNiGraph::SetXIncrement(double start, double increment) {
@@ -77,11 +76,6 @@ void CNiGraph::SetXIncrement(double start, double increment) {
     xStart_ = start;
     xStep_ = increment;
     PlotChanged();
-}
-
-void CNiGraph::RangeChanged() {
-    backgroundDirty_ = true;
-    update();
 }
 
 // ---- plots ------------------------------------------------------------------
@@ -344,8 +338,6 @@ void CNiGraph::MoveDraggedCursor(QPointF pos) {
 }
 
 void CNiGraph::PressAt(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
-        return;
     dragging_ = CursorAt(event->position());
     if (dragging_ >= 0)
         MoveDraggedCursor(event->position());
@@ -356,32 +348,35 @@ void CNiGraph::DragTo(QMouseEvent* event) {
         MoveDraggedCursor(event->position());
 }
 
-void CNiGraph::ReleaseAt(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton)
-        dragging_ = -1;
+void CNiGraph::ReleaseAt(QMouseEvent*) {
+    dragging_ = -1;
+}
+
+void CNiGraph::CancelPress() {
+    dragging_ = -1;
 }
 
 // ---- look -------------------------------------------------------------------
 
 void CNiGraph::SetPlotAreaColor(const QColor& c) {
     areaColor_ = c;
-    RangeChanged();
+    BackgroundChanged();
 }
 
 void CNiGraph::SetGridColor(const QColor& c) {
     gridColor_ = c;
-    RangeChanged();
+    BackgroundChanged();
 }
 
 void CNiGraph::SetGridLines(int xDivisions, int yDivisions) {
     gridX_ = std::clamp(xDivisions, 0, 100);
     gridY_ = std::clamp(yDivisions, 0, 100);
-    RangeChanged();
+    BackgroundChanged();
 }
 
 void CNiGraph::SetAxisLabelsVisible(bool on) {
     labels_ = on;
-    RangeChanged();
+    BackgroundChanged();
 }
 
 QRectF CNiGraph::PlotRect() const {
@@ -415,30 +410,11 @@ QPointF CNiGraph::FromPixel(QPointF pixel) const {
                    yMin_ + (r.bottom() - pixel.y()) / r.height() * (yMax_ - yMin_));
 }
 
-void CNiGraph::resizeEvent(QResizeEvent* event) {
-    backgroundDirty_ = true;
-    CNiControl::resizeEvent(event);
-}
-
-void CNiGraph::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::EnabledChange || event->type() == QEvent::FontChange) {
-        dragging_ = -1;
-        RangeChanged();
-    }
-    CNiControl::changeEvent(event);
-}
-
-void CNiGraph::RebuildBackground() {
-    const qreal dpr = devicePixelRatioF();
-    background_ = QPixmap(size() * dpr);
-    background_.setDevicePixelRatio(dpr);
-    background_.fill(PanelColor());
-    QPainter p(&background_);
+void CNiGraph::PaintBackground(QPainter& p) {
     const QRectF area = PlotRect();
-    p.setRenderHint(QPainter::Antialiasing);
     DrawWell(p, area.adjusted(-2, -2, 2, 2), 3.0);
     p.setRenderHint(QPainter::Antialiasing, false);
-    p.fillRect(area, isEnabled() ? areaColor_ : Mix(areaColor_, PanelColor(), 0.5));
+    p.fillRect(area, ShownColor(areaColor_, 0.5));
 
     p.setPen(QPen(gridColor_, 1.0, Qt::DotLine));
     for (int i = 1; i < gridX_; ++i) {
@@ -469,17 +445,11 @@ void CNiGraph::RebuildBackground() {
             p.drawText(box, Qt::AlignHCenter | Qt::AlignTop, TickText(v));
         }
     }
-    backgroundDirty_ = false;
 }
 
 void CNiGraph::paintEvent(QPaintEvent* event) {
-    if (backgroundDirty_ || background_.size() != size() * devicePixelRatioF())
-        RebuildBackground();
     QPainter p(this);
-    const QRect dirty = event->rect();
-    const qreal dpr = background_.devicePixelRatio();
-    p.drawPixmap(QRectF(dirty), background_,
-                 QRectF(QPointF(dirty.topLeft()) * dpr, QSizeF(dirty.size()) * dpr));
+    DrawBackground(p, event->rect());
     p.setClipRect(PlotRect());
     p.setRenderHint(QPainter::Antialiasing, antialiased_);
     for (Plot& plot : plots_) {
@@ -494,7 +464,7 @@ void CNiGraph::paintEvent(QPaintEvent* event) {
 
 void CNiGraph::PaintPlot(QPainter& p, Plot& plot) {
     const qsizetype n = plot.y.size();
-    const QColor color = isEnabled() ? plot.color : Mix(plot.color, PanelColor(), 0.6);
+    const QColor color = ShownColor(plot.color);
     if (plot.penDirty || plot.pen.color() != color) {
         const double w = plot.style == kPoints ? plot.width + 1.5 : plot.width;
         plot.pen = QPen(color, w, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);

@@ -19,7 +19,6 @@
 
 #include <QColor>
 #include <QPen>
-#include <QPixmap>
 #include <QPolygonF>
 #include <QVector>
 
@@ -114,11 +113,11 @@ class CNiGraph : public CNiControl {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-    void changeEvent(QEvent* event) override;
+    void PaintBackground(QPainter& p) override;  // plot area, grid and axis labels
     void PressAt(QMouseEvent* event) override;
     void DragTo(QMouseEvent* event) override;
     void ReleaseAt(QMouseEvent* event) override;
+    void CancelPress() override;
 
   private:
     struct Plot {
@@ -144,8 +143,6 @@ class CNiGraph : public CNiControl {
 
     Plot* EnsurePlot(int plot);
     void PlotChanged();
-    void RangeChanged();
-    void RebuildBackground();
     void PaintPlot(QPainter& p, Plot& plot);
     void PaintCursor(QPainter& p, const Cursor& c);
     int CursorAt(QPointF pos) const;
@@ -165,6 +162,4 @@ class CNiGraph : public CNiControl {
     bool antialiased_ = true;
 
     int dragging_ = -1;
-    QPixmap background_;
-    bool backgroundDirty_ = true;
 };

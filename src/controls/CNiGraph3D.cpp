@@ -90,7 +90,7 @@ double CNiGraph3D::SurfaceValue(int column, int row) const {
 // ---- axes -------------------------------------------------------------------
 
 void CNiGraph3D::SetXRange(double minimum, double maximum) {
-    if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum)
+    if (!UsableAxis(minimum, maximum))
         return;
     xSet_ = true;
     xMin_ = minimum;
@@ -100,7 +100,7 @@ void CNiGraph3D::SetXRange(double minimum, double maximum) {
 }
 
 void CNiGraph3D::SetYRange(double minimum, double maximum) {
-    if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum)
+    if (!UsableAxis(minimum, maximum))
         return;
     ySet_ = true;
     yMin_ = minimum;
@@ -110,7 +110,7 @@ void CNiGraph3D::SetYRange(double minimum, double maximum) {
 }
 
 void CNiGraph3D::SetZRange(double minimum, double maximum) {
-    if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum)
+    if (!UsableAxis(minimum, maximum))
         return;
     zMin_ = minimum;
     zMax_ = maximum;
@@ -156,9 +156,8 @@ void CNiGraph3D::ViewChanged() {
     cosLon_ = std::cos(longitude_ * kPi / 180.0);
     sinLon_ = std::sin(longitude_ * kPi / 180.0);
     orderDirty_ = true;
-    backgroundDirty_ = true;
     UpdateProjection();
-    update();
+    BackgroundChanged();
 }
 
 QVector3D CNiGraph3D::ToWorld(double x, double y, double z) const {
@@ -212,14 +211,12 @@ void CNiGraph3D::UpdateProjection() {
 
 void CNiGraph3D::SetPlotAreaColor(const QColor& c) {
     areaColor_ = c;
-    backgroundDirty_ = true;
-    update();
+    BackgroundChanged();
 }
 
 void CNiGraph3D::SetGridColor(const QColor& c) {
     gridColor_ = c;
-    backgroundDirty_ = true;
-    update();
+    BackgroundChanged();
 }
 
 void CNiGraph3D::SetMeshColor(const QColor& c) {
@@ -248,9 +245,8 @@ void CNiGraph3D::RebuildBrushes() {
     brushes_.resize(kColorSteps * kShadeSteps);
     for (int i = 0; i < kColorSteps; ++i) {
         const double t = double(i) / (kColorSteps - 1);
-        QColor c = colorMap_ ? MapColor(t) : Mix(surfaceColor_.darker(300), surfaceColor_, t);
-        if (!isEnabled())
-            c = Mix(c, PanelColor(), 0.6);
+        const QColor c =
+            ShownColor(colorMap_ ? MapColor(t) : Mix(surfaceColor_.darker(300), surfaceColor_, t));
         for (int s = 0; s < kShadeSteps; ++s) {
             // From 45 % (facing away) to full brightness (facing the light).
             const double light = 0.45 + 0.55 * s / (kShadeSteps - 1);
@@ -263,16 +259,12 @@ void CNiGraph3D::RebuildBrushes() {
 
 void CNiGraph3D::resizeEvent(QResizeEvent* event) {
     UpdateProjection();
-    backgroundDirty_ = true;
     CNiControl::resizeEvent(event);
 }
 
 void CNiGraph3D::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::EnabledChange) {
-        RebuildBrushes();
-        backgroundDirty_ = true;
-        update();
-    }
+    if (event->type() == QEvent::EnabledChange)
+        RebuildBrushes();  // the base repaints the rest
     CNiControl::changeEvent(event);
 }
 
@@ -281,8 +273,6 @@ void CNiGraph3D::PressAt(QMouseEvent* event) {
 }
 
 void CNiGraph3D::DragTo(QMouseEvent* event) {
-    if (PressedButton() != Qt::LeftButton)
-        return;
     const QPointF d = event->position() - dragFrom_;
     dragFrom_ = event->position();
     SetView(latitude_ + d.y() * 0.4, longitude_ - d.x() * 0.5, distance_);
@@ -290,16 +280,10 @@ void CNiGraph3D::DragTo(QMouseEvent* event) {
 
 // ---- drawing ----------------------------------------------------------------
 
-void CNiGraph3D::RebuildBackground() {
-    const qreal dpr = devicePixelRatioF();
-    background_ = QPixmap(size() * dpr);
-    background_.setDevicePixelRatio(dpr);
-    background_.fill(PanelColor());
-    QPainter p(&background_);
-    p.setRenderHint(QPainter::Antialiasing);
+void CNiGraph3D::PaintBackground(QPainter& p) {
     const QRectF area = AreaRect();
     DrawWell(p, area.adjusted(-2, -2, 2, 2), 3.0);
-    p.fillRect(area, isEnabled() ? areaColor_ : Mix(areaColor_, PanelColor(), 0.5));
+    p.fillRect(area, ShownColor(areaColor_, 0.5));
 
     // Floor grid and the two back walls' edges.
     p.setPen(QPen(gridColor_, 1.0));
@@ -319,7 +303,6 @@ void CNiGraph3D::RebuildBackground() {
         p.drawLine(Project(far[i]), Project(far[i] + up));
     p.drawLine(Project(far[0] + up), Project(far[1] + up));
     p.drawLine(Project(far[0] + up), Project(far[2] + up));
-    backgroundDirty_ = false;
 }
 
 void CNiGraph3D::RebuildOrder() {
@@ -347,10 +330,8 @@ void CNiGraph3D::RebuildOrder() {
 }
 
 void CNiGraph3D::paintEvent(QPaintEvent*) {
-    if (backgroundDirty_ || background_.size() != size() * devicePixelRatioF())
-        RebuildBackground();
     QPainter p(this);
-    p.drawPixmap(0, 0, background_);
+    DrawBackground(p);
     p.setClipRect(AreaRect());
     p.setRenderHint(QPainter::Antialiasing, antialiased_);
 
@@ -403,7 +384,7 @@ void CNiGraph3D::paintEvent(QPaintEvent*) {
     if (!points_.isEmpty()) {
         p.setRenderHint(QPainter::Antialiasing, true);
         p.setPen(QPen(QColor(0, 0, 0, 160), 1.0));
-        p.setBrush(isEnabled() ? pointColor_ : Mix(pointColor_, PanelColor(), 0.6));
+        p.setBrush(ShownColor(pointColor_));
         for (const QVector3D& pt : points_)
             p.drawEllipse(Project(ToWorld(pt.x(), pt.y(), pt.z())), 3.0, 3.0);
     }

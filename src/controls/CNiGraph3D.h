@@ -24,7 +24,6 @@
 
 #include <QBrush>
 #include <QColor>
-#include <QPixmap>
 #include <QPointF>
 #include <QVector3D>
 #include <QVector>
@@ -86,6 +85,7 @@ class CNiGraph3D : public CNiControl {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
+    void PaintBackground(QPainter& p) override;  // plot area and floor grid
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
     void PressAt(QMouseEvent* event) override;
@@ -98,7 +98,6 @@ class CNiGraph3D : public CNiControl {
     double Depth(const QVector3D& w) const;
     void ViewChanged();
     void UpdateProjection();  // fit scale and centre for the view and size
-    void RebuildBackground();
     void RebuildOrder();
     void RebuildBrushes();
     QRectF AreaRect() const;
@@ -133,8 +132,6 @@ class CNiGraph3D : public CNiControl {
     QVector<int> order_;          // quad indices, farthest first
     bool orderDirty_ = true;
     QVector<QBrush> brushes_;  // colour map steps × light levels
-    QPixmap background_;
-    bool backgroundDirty_ = true;
 
     QPointF dragFrom_;
 };

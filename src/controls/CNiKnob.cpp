@@ -1,7 +1,6 @@
 #include "controls/CNiKnob.h"
 
 #include <QConicalGradient>
-#include <QEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -42,26 +41,23 @@ void CNiKnob::SetValue(double v) {
 }
 
 void CNiKnob::SetAxis(double minimum, double maximum) {
-    if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum)
+    if (!UsableAxis(minimum, maximum))
         return;
     min_ = minimum;
     max_ = maximum;
-    backgroundDirty_ = true;
+    BackgroundChanged();
     SetValue(value_);
-    update();
 }
 
 void CNiKnob::SetSweep(double degrees) {
     sweep_ = std::clamp(degrees, 30.0, 360.0);
-    backgroundDirty_ = true;
-    update();
+    BackgroundChanged();
 }
 
 void CNiKnob::SetLook(Look look) {
     look_ = look;
-    backgroundDirty_ = true;
     updateGeometry();
-    update();
+    BackgroundChanged();
 }
 
 void CNiKnob::SetPointerColor(const QColor& c) {
@@ -78,8 +74,7 @@ void CNiKnob::SetPointerStyle(PointerStyle style) {
 
 void CNiKnob::SetLabelColor(const QColor& c) {
     labelColor_ = c;
-    backgroundDirty_ = true;
-    update();
+    BackgroundChanged();
 }
 
 QSize CNiKnob::sizeHint() const {
@@ -135,35 +130,14 @@ double CNiKnob::ValueAt(QPointF pos) const {
 }
 
 void CNiKnob::PressAt(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton)
-        SetValue(ValueAt(event->position()));
+    SetValue(ValueAt(event->position()));
 }
 
 void CNiKnob::DragTo(QMouseEvent* event) {
-    if (PressedButton() == Qt::LeftButton)
-        SetValue(ValueAt(event->position()));
+    SetValue(ValueAt(event->position()));
 }
 
-void CNiKnob::resizeEvent(QResizeEvent* event) {
-    backgroundDirty_ = true;
-    CNiControl::resizeEvent(event);
-}
-
-void CNiKnob::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::EnabledChange) {
-        backgroundDirty_ = true;
-        update();
-    }
-    CNiControl::changeEvent(event);
-}
-
-void CNiKnob::RebuildBackground() {
-    const qreal dpr = devicePixelRatioF();
-    background_ = QPixmap(size() * dpr);
-    background_.setDevicePixelRatio(dpr);
-    background_.fill(PanelColor());
-    QPainter p(&background_);
-    p.setRenderHint(QPainter::Antialiasing);
+void CNiKnob::PaintBackground(QPainter& p) {
     const QPointF c = Centre();
     const double R = Radius();
     const double tilt = Tilt();
@@ -226,7 +200,7 @@ void CNiKnob::RebuildBackground() {
     // Centre label and spindle.
     const double lr = R * kLabelFraction;
     QRadialGradient label(QPointF(-lr * 0.3, -lr * 0.3), lr * 1.3);
-    const QColor lc = isEnabled() ? labelColor_ : Mix(labelColor_, PanelColor(), 0.6);
+    const QColor lc = ShownColor(labelColor_);
     label.setColorAt(0.0, lc.lighter(140));
     label.setColorAt(1.0, lc.darker(130));
     p.setBrush(label);
@@ -245,14 +219,11 @@ void CNiKnob::RebuildBackground() {
         const double inner = (i == 0 ? 0.90 : 0.93) * R;
         p.drawLine(QPointF(s * inner, co * inner), QPointF(s * R * 0.99, co * R * 0.99));
     }
-    backgroundDirty_ = false;
 }
 
 void CNiKnob::paintEvent(QPaintEvent*) {
-    if (backgroundDirty_ || background_.size() != size() * devicePixelRatioF())
-        RebuildBackground();
     QPainter p(this);
-    p.drawPixmap(0, 0, background_);
+    DrawBackground(p);
     p.setRenderHint(QPainter::Antialiasing);
     const QPointF c = Centre();
     const double R = Radius();
@@ -261,7 +232,7 @@ void CNiKnob::paintEvent(QPaintEvent*) {
 
     const double a = AngleOf(value_);
     const double s = std::sin(a), co = -std::cos(a);
-    const QColor pc = isEnabled() ? pointerColor_ : Mix(pointerColor_, PanelColor(), 0.6);
+    const QColor pc = ShownColor(pointerColor_);
     switch (pointerStyle_) {
         case kNeedle: {
             const double r0 = R * (kLabelFraction + 0.02), r1 = R * 0.95;

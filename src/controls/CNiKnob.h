@@ -13,7 +13,6 @@
 #pragma once
 
 #include <QColor>
-#include <QPixmap>
 
 #include "controls/CNiControl.h"
 
@@ -61,8 +60,7 @@ class CNiKnob : public CNiControl {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-    void changeEvent(QEvent* event) override;
+    void PaintBackground(QPainter& p) override;  // rim, vinyl, label and scale
     void PressAt(QMouseEvent* event) override;
     void DragTo(QMouseEvent* event) override;
 
@@ -75,8 +73,6 @@ class CNiKnob : public CNiControl {
     QPointF OnDial(double angleRad, double fraction) const;  // fraction of the radius
     double AngleOf(double value) const;                      // radians from the top
 
-    void RebuildBackground();
-
     double value_ = 0.0;
     double min_ = 0.0;
     double max_ = 1.0;
@@ -85,6 +81,4 @@ class CNiKnob : public CNiControl {
     PointerStyle pointerStyle_ = kNeedle;
     QColor pointerColor_;
     QColor labelColor_;
-    QPixmap background_;
-    bool backgroundDirty_ = true;
 };

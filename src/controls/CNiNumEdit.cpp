@@ -100,8 +100,6 @@ void CNiNumEdit::Commit() {
 }
 
 void CNiNumEdit::PressAt(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
-        return;
     const QPointF pos = event->position();
     const int dir = UpRect().contains(pos) ? +1 : DownRect().contains(pos) ? -1 : 0;
     if (dir == 0)
@@ -111,9 +109,12 @@ void CNiNumEdit::PressAt(QMouseEvent* event) {
     repeat_.start(kFirstRepeatMs);
 }
 
-void CNiNumEdit::ReleaseAt(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
-        return;
+void CNiNumEdit::ReleaseAt(QMouseEvent*) {
+    CancelPress();
+}
+
+// Also when the control is disabled while a button is held: the repeat stops.
+void CNiNumEdit::CancelPress() {
     held_ = 0;
     repeat_.stop();
     update();

@@ -50,6 +50,7 @@ class CNiNumEdit : public CNiControl {
     void wheelEvent(QWheelEvent* event) override;
     void PressAt(QMouseEvent* event) override;
     void ReleaseAt(QMouseEvent* event) override;
+    void CancelPress() override;
 
   private:
     QRectF UpRect() const;

@@ -1,6 +1,5 @@
 #include "controls/CNiSlide.h"
 
-#include <QEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -40,18 +39,16 @@ void CNiSlide::SetOrientation(Qt::Orientation o) {
         return;
     orientation_ = o;
     setSizePolicy(sizePolicy().transposed());
-    backgroundDirty_ = true;
     updateGeometry();
-    update();
+    BackgroundChanged();
 }
 
 void CNiSlide::SetAxis(double minimum, double maximum) {
-    if (!std::isfinite(minimum) || !std::isfinite(maximum) || minimum == maximum)
+    if (!UsableAxis(minimum, maximum))
         return;
     min_ = minimum;
     max_ = maximum;
-    backgroundDirty_ = true;
-    update();
+    BackgroundChanged();
     for (int i = 0; i < pointers_.size(); ++i)
         SetPointerValue(i, pointers_[i].value);
 }
@@ -132,14 +129,12 @@ void CNiSlide::SetFillColor(const QColor& c) {
 
 void CNiSlide::SetArrowsVisible(bool on) {
     arrows_ = on;
-    backgroundDirty_ = true;
-    update();
+    BackgroundChanged();
 }
 
 void CNiSlide::SetTickCount(int intervals) {
     ticks_ = std::max(0, intervals);
-    backgroundDirty_ = true;
-    update();
+    BackgroundChanged();
 }
 
 QSize CNiSlide::sizeHint() const {
@@ -235,8 +230,6 @@ int CNiSlide::PickPointer(QPointF pos, bool* onThumb) const {
 }
 
 void CNiSlide::PressAt(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
-        return;
     const QPointF pos = event->position();
     if (const int arrow = ArrowAt(pos)) {
         arrowHeld_ = arrow;
@@ -266,9 +259,11 @@ void CNiSlide::DragTo(QMouseEvent* event) {
     SetPointerValue(dragging_, Snap(ValueAt(pos)));
 }
 
-void CNiSlide::ReleaseAt(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton)
-        return;
+void CNiSlide::ReleaseAt(QMouseEvent*) {
+    CancelPress();
+}
+
+void CNiSlide::CancelPress() {
     dragging_ = -1;
     if (arrowHeld_) {
         arrowHeld_ = 0;
@@ -276,28 +271,7 @@ void CNiSlide::ReleaseAt(QMouseEvent* event) {
     }
 }
 
-void CNiSlide::resizeEvent(QResizeEvent* event) {
-    backgroundDirty_ = true;
-    CNiControl::resizeEvent(event);
-}
-
-void CNiSlide::changeEvent(QEvent* event) {
-    if (event->type() == QEvent::EnabledChange) {
-        dragging_ = -1;
-        arrowHeld_ = 0;
-        backgroundDirty_ = true;
-        update();
-    }
-    CNiControl::changeEvent(event);
-}
-
-void CNiSlide::RebuildBackground() {
-    const qreal dpr = devicePixelRatioF();
-    background_ = QPixmap(size() * dpr);
-    background_.setDevicePixelRatio(dpr);
-    background_.fill(PanelColor());
-    QPainter p(&background_);
-    p.setRenderHint(QPainter::Antialiasing);
+void CNiSlide::PaintBackground(QPainter& p) {
     const QRectF t = TrackRect();
     const bool vertical = orientation_ == Qt::Vertical;
 
@@ -343,14 +317,11 @@ void CNiSlide::RebuildBackground() {
             p.drawPolygon(tri);
         }
     }
-    backgroundDirty_ = false;
 }
 
 void CNiSlide::paintEvent(QPaintEvent*) {
-    if (backgroundDirty_ || background_.size() != size() * devicePixelRatioF())
-        RebuildBackground();
     QPainter p(this);
-    p.drawPixmap(0, 0, background_);
+    DrawBackground(p);
     p.setRenderHint(QPainter::Antialiasing);
 
     if (arrowHeld_) {
@@ -369,13 +340,13 @@ void CNiSlide::paintEvent(QPaintEvent*) {
     };
     p.setPen(Qt::NoPen);
     if (fillColor_.isValid() && pointers_[0].visible && pointers_[0].style == kThumb) {
-        p.setBrush(isEnabled() ? fillColor_ : Mix(fillColor_, PanelColor(), 0.6));
+        p.setBrush(ShownColor(fillColor_));
         p.drawRect(barTo(pointers_[0].value));
     }
     for (const Pointer& ptr : pointers_) {
         if (!ptr.visible || ptr.style != kFill)
             continue;
-        p.setBrush(isEnabled() ? ptr.color : Mix(ptr.color, PanelColor(), 0.6));
+        p.setBrush(ShownColor(ptr.color));
         p.drawRect(barTo(ptr.value));
     }
     for (PointerStyle pass : {kMarker, kThumb}) {
@@ -390,7 +361,7 @@ void CNiSlide::PaintPointer(QPainter& p, const Pointer& ptr) {
     const QRectF t = TrackRect();
     const bool vertical = orientation_ == Qt::Vertical;
     const double px = PixelOf(ptr.value);
-    const QColor c = isEnabled() ? ptr.color : Mix(ptr.color, PanelColor(), 0.6);
+    const QColor c = ShownColor(ptr.color);
     if (ptr.style == kMarker) {
         // A triangle on the low-coordinate side pointing at the track, and a
         // line across the track.

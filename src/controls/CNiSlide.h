@@ -21,7 +21,6 @@
 #pragma once
 
 #include <QColor>
-#include <QPixmap>
 #include <QVector>
 
 #include "controls/CNiControl.h"
@@ -80,11 +79,11 @@ class CNiSlide : public CNiControl {
 
   protected:
     void paintEvent(QPaintEvent* event) override;
-    void resizeEvent(QResizeEvent* event) override;
-    void changeEvent(QEvent* event) override;
+    void PaintBackground(QPainter& p) override;  // track well, ticks and arrows
     void PressAt(QMouseEvent* event) override;
     void DragTo(QMouseEvent* event) override;
     void ReleaseAt(QMouseEvent* event) override;
+    void CancelPress() override;
 
   private:
     struct Pointer {
@@ -106,7 +105,6 @@ class CNiSlide : public CNiControl {
     double Snap(double v) const;
     double Clamp(double v) const;
 
-    void RebuildBackground();
     void PaintPointer(QPainter& p, const Pointer& ptr);
 
     Qt::Orientation orientation_;
@@ -122,7 +120,4 @@ class CNiSlide : public CNiControl {
     int dragging_ = -1;        // pointer being dragged
     double grabOffset_ = 0.0;  // pixels between the press and the thumb centre
     int arrowHeld_ = 0;        // arrow drawn pressed
-
-    QPixmap background_;  // panel, track well, ticks and arrows
-    bool backgroundDirty_ = true;
 };

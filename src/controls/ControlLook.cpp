@@ -1,7 +1,9 @@
 #include "controls/ControlLook.h"
 
+#include <QLabel>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPalette>
 
 #include <algorithm>
 
@@ -34,6 +36,18 @@ QColor Mix(const QColor& off, const QColor& on, double t) {
     t = std::clamp(t, 0.0, 1.0);
     auto ch = [t](int a, int b) { return int(a + (b - a) * t + 0.5); };
     return QColor(ch(off.red(), on.red()), ch(off.green(), on.green()), ch(off.blue(), on.blue()));
+}
+
+QLabel* Caption(const QString& text, QWidget* parent, Qt::Alignment alignment) {
+    auto* label = new QLabel(text, parent);
+    QPalette pal = label->palette();
+    pal.setColor(QPalette::WindowText, DimTextColor());
+    label->setPalette(pal);
+    QFont f = label->font();
+    f.setPointSizeF(std::max(6.0, f.pointSizeF() - 1.5));
+    label->setFont(f);
+    label->setAlignment(alignment);
+    return label;
 }
 
 }  // namespace control_look

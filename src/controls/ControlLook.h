@@ -1,11 +1,15 @@
 // ControlLook: the colours and small drawing helpers shared by the instrument
-// controls, so that every window reads as one dark instrument panel.
+// controls, and the caption the windows put beside them, so that every window
+// reads as one dark instrument panel.
 #pragma once
 
 #include <QColor>
 #include <QRectF>
 
+class QLabel;
 class QPainter;
+class QString;
+class QWidget;
 
 namespace control_look {
 
@@ -44,5 +48,9 @@ void DrawWell(QPainter& p, const QRectF& r, qreal radius = 2.0);
 // The colour a lit lamp glows with at the given brightness 0 … 1 between its
 // off and on colours (linear mix of the channels).
 QColor Mix(const QColor& off, const QColor& on, double t);
+
+// A small dim caption naming a control: a label (owned by parent) in the dim
+// text colour, its font 1.5 pt smaller than the default but never under 6 pt.
+QLabel* Caption(const QString& text, QWidget* parent, Qt::Alignment alignment = Qt::AlignCenter);
 
 }  // namespace control_look

@@ -30,12 +30,6 @@ const QColor kDeckA2(20, 60, 140);
 const QColor kDeckB(255, 150, 50);
 const QColor kDeckB2(130, 60, 10);
 
-QLabel* Caption(const QString& text, QWidget* parent) {
-    auto* l = new QLabel(text, parent);
-    l->setStyleSheet(QStringLiteral("color: rgb(150,158,170); font-size: 9pt;"));
-    return l;
-}
-
 QWidget* Section(const QString& title, QLayout* content, QWidget* parent) {
     auto* box = new QWidget(parent);
     box->setObjectName(QStringLiteral("section"));
@@ -402,7 +396,7 @@ QWidget* BuildControlsGallery(QWidget* parent) {
                               int colSpan) {
         auto* v = new QVBoxLayout;
         v->setSpacing(2);
-        v->addWidget(Caption(name, panel));
+        v->addWidget(Caption(name, panel, Qt::AlignLeft | Qt::AlignVCenter));
         g->setMinimumSize(200, 110);
         v->addWidget(g, 1);
         graphs->addLayout(v, r, c, rowSpan, colSpan);

@@ -25,12 +25,8 @@ const QColor kWriteColour(225, 120, 60);
 const QColor kAheadColour(120, 200, 240);
 const QColor kLedOn(60, 230, 90);
 const QColor kLedOff(20, 70, 30);
-
-QLabel* Caption(const QString& text, QWidget* parent) {
-    auto* l = new QLabel(text, parent);
-    l->setStyleSheet(QStringLiteral("color: rgb(150,158,170); font-size: 9pt;"));
-    return l;
-}
+// Captions here head the meters and lines: left, like the rest of the text.
+constexpr Qt::Alignment kCaptionLeft = Qt::AlignLeft | Qt::AlignVCenter;
 
 // A number beside a meter, wide enough for "170".
 QLabel* ReadOut(QWidget* parent) {
@@ -126,11 +122,13 @@ void CRynDeckInfo::BuildControls() {
         m->setMinimumHeight(90);
 
     int row = 0;
-    grid->addWidget(Caption(QStringLiteral("Forward disc buffer (170 blocks)"), this), row, 0);
+    grid->addWidget(Caption(QStringLiteral("Forward disc buffer (170 blocks)"), this, kCaptionLeft),
+                    row, 0);
     grid->addWidget(forwardCountText_, row, 1);
     grid->addWidget(forwardGraph_, ++row, 0);
     grid->addWidget(forwardLevel_, row, 1, Qt::AlignHCenter);
-    grid->addWidget(Caption(QStringLiteral("Backward disc buffer (50 blocks)"), this), ++row, 0);
+    grid->addWidget(Caption(QStringLiteral("Backward disc buffer (50 blocks)"), this, kCaptionLeft),
+                    ++row, 0);
     grid->addWidget(backwardCountText_, row, 1);
     grid->addWidget(backwardGraph_, ++row, 0);
     grid->addWidget(backwardLevel_, row, 1, Qt::AlignHCenter);
@@ -159,13 +157,14 @@ void CRynDeckInfo::BuildControls() {
         positionMeters_[i] = Meter(Qt::Horizontal, kRing, s.colour, QString::fromLatin1(s.tip),
                                    QString::fromLatin1(s.name), this);
         positionTexts_[i] = ReadOut(this);
-        positions->addWidget(Caption(QString::fromLatin1(s.caption), this), i, 0);
+        positions->addWidget(Caption(QString::fromLatin1(s.caption), this, kCaptionLeft), i, 0);
         positions->addWidget(positionMeters_[i], i, 1);
         positions->addWidget(positionTexts_[i], i, 2);
     }
     positions->setColumnStretch(1, 1);
-    grid->addWidget(Caption(QStringLiteral("Output ring positions (120 blocks)"), this), ++row, 0,
-                    1, 2);
+    grid->addWidget(
+        Caption(QStringLiteral("Output ring positions (120 blocks)"), this, kCaptionLeft), ++row, 0,
+        1, 2);
     grid->addLayout(positions, ++row, 0, 1, 2);
 
     // The meters switch and the readers' lamps.
@@ -183,10 +182,10 @@ void CRynDeckInfo::BuildControls() {
     bottom->addWidget(metersButton_);
     bottom->addStretch(1);
     bottom->addWidget(forwardLed_);
-    bottom->addWidget(Caption(QStringLiteral("Forward reading"), this));
+    bottom->addWidget(Caption(QStringLiteral("Forward reading"), this, kCaptionLeft));
     bottom->addSpacing(10);
     bottom->addWidget(backwardLed_);
-    bottom->addWidget(Caption(QStringLiteral("Backward reading"), this));
+    bottom->addWidget(Caption(QStringLiteral("Backward reading"), this, kCaptionLeft));
     grid->addLayout(bottom, ++row, 0, 1, 2);
 
     connect(metersButton_, &CNiButton::valueChanged, this, [this](bool on) { MetersSwitched(on); });

@@ -9,8 +9,11 @@
 namespace dsp {
 namespace {
 
-template <typename T, typename Acc>
-void ConvolveInto(std::span<const T> a, std::span<const T> b, std::span<T> out) {
+// Full linear convolution, one output at a time: out[i] = finish(Σ_k
+// product(a[k], b[i − k])), the sum taken in Acc from Acc{}.
+template <typename T, typename Acc, typename Product, typename Finish>
+void ConvolveWith(std::span<const T> a, std::span<const T> b, std::span<T> out, Product product,
+                  Finish finish) {
     if (a.empty() || b.empty())
         return;
     const size_t n = a.size() + b.size() - 1;
@@ -19,9 +22,17 @@ void ConvolveInto(std::span<const T> a, std::span<const T> b, std::span<T> out) 
         const size_t kHi = std::min(i, a.size() - 1);
         Acc acc{};
         for (size_t k = kLo; k <= kHi; ++k)
-            acc += Acc(a[k]) * Acc(b[i - k]);
-        out[i] = static_cast<T>(acc);
+            acc += product(a[k], b[i - k]);
+        out[i] = finish(acc);
     }
+}
+
+// Floating point: the products summed in Acc, the sum cast back to T.
+template <typename T, typename Acc>
+void ConvolveInto(std::span<const T> a, std::span<const T> b, std::span<T> out) {
+    ConvolveWith<T, Acc>(
+        a, b, out, [](T x, T y) { return Acc(x) * Acc(y); },
+        [](Acc acc) { return static_cast<T>(acc); });
 }
 
 template <typename T>
@@ -50,17 +61,11 @@ void ConvolveFull(std::span<const float> a, std::span<const float> b, std::span<
 
 void ConvolveFull16(std::span<const int16_t> a, std::span<const int16_t> b,
                     std::span<int16_t> out) {
-    if (a.empty() || b.empty())
-        return;
-    const size_t n = a.size() + b.size() - 1;
-    for (size_t i = 0; i < n && i < out.size(); ++i) {
-        const size_t kLo = i >= b.size() - 1 ? i - (b.size() - 1) : 0;
-        const size_t kHi = std::min(i, a.size() - 1);
-        uint32_t acc = 0;  // modulo 2^32, see FixedPoint.h
-        for (size_t k = kLo; k <= kHi; ++k)
-            acc += static_cast<uint32_t>(int32_t{a[k]} * int32_t{b[i - k]});
-        out[i] = ScaleDown16(static_cast<int32_t>(acc), 16);
-    }
+    // The sums are taken modulo 2^32, see FixedPoint.h.
+    ConvolveWith<int16_t, uint32_t>(
+        a, b, out,
+        [](int16_t x, int16_t y) { return static_cast<uint32_t>(int32_t{x} * int32_t{y}); },
+        [](uint32_t acc) { return ScaleDown16(static_cast<int32_t>(acc), 16); });
 }
 
 void SplitChannels(std::span<const int16_t> block, std::span<int16_t> left,

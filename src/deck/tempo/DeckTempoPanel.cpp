@@ -30,18 +30,6 @@ struct DeckKeys {
 constexpr DeckKeys kKeys[2] = {{"Q", "W", "E", "R", "F", "V", "Shift-F", "Shift-V"},
                                {"U", "I", "O", "P", ";", "/", "Shift-J", "Shift-M"}};
 
-QLabel* SmallCaption(const QString& text, QWidget* parent) {
-    auto* l = new QLabel(text, parent);
-    QPalette pal = l->palette();
-    pal.setColor(QPalette::WindowText, DimTextColor());
-    l->setPalette(pal);
-    QFont f = l->font();
-    f.setPointSizeF(std::max(6.0, f.pointSizeF() - 1.5));
-    l->setFont(f);
-    l->setAlignment(Qt::AlignCenter);
-    return l;
-}
-
 }  // namespace
 
 DeckTempoPanel::DeckTempoPanel(QWidget* parent) : QWidget(parent) {
@@ -107,14 +95,14 @@ void DeckTempoPanel::BuildControls() {
     grid->setHorizontalSpacing(6);
     grid->setVerticalSpacing(4);
     grid->addWidget(display_, 0, 0, 1, 2);
-    grid->addWidget(SmallCaption(QStringLiteral("tempo"), this), 1, 0);
+    grid->addWidget(Caption(QStringLiteral("tempo"), this), 1, 0);
     grid->addWidget(tempoSlide_, 2, 0, 5, 1, Qt::AlignHCenter);
     grid->addWidget(upButton_, 2, 1);
     grid->addWidget(downButton_, 3, 1);
     grid->setRowStretch(4, 1);
     grid->addWidget(resetToggle_, 5, 1);
     grid->setRowStretch(6, 1);
-    grid->addWidget(SmallCaption(QStringLiteral("spindle"), this), 7, 0, 1, 2);
+    grid->addWidget(Caption(QStringLiteral("spindle"), this), 7, 0, 1, 2);
     grid->addWidget(spindleSlide_, 8, 0, 1, 2);
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "dsp/VectorOps.h"
+#include "dsp/eq/AntiClipGain.h"
 #include "dsp/eq/FftBlockFilter.h"
 #include "dsp/eq/FirKernels.h"
 
@@ -263,17 +264,16 @@ void EqualizerEngine<Sample>::ProcessBands16(bool antiClip, bool& clipped) {
                            32767);
                 continue;
             }
-            float g = band.gain;
-            while (ScaleAdd16(y, FixedFactor(g, 8191), 13, sum, out, trial, kBlockLength, 32000)) {
-                clipped = true;
-                g = std::max(g - 0.1f, 0.0f);
-            }
+            // Each trial writes its sum to trial; the last one is the gain kept.
+            const float g = BackOffGain(
+                band.gain,
+                [&](float trialGain) {
+                    return ScaleAdd16(y, FixedFactor(trialGain, 8191), 13, sum, out, trial,
+                                      kBlockLength, 32000);
+                },
+                clipped);
             std::memcpy(sum, trial, sizeof(int16_t) * kBlockLength);
-            if (g < band.level)
-                g += 0.02f;
-            if (g > band.level)
-                g = band.level;
-            band.gain = g;
+            band.gain = RecoverGain(g, band.level);
         }
     }
 }
@@ -338,21 +338,16 @@ void EqualizerEngine<Sample>::ProcessBandsFloat(bool antiClip, bool& clipped) {
         for (int b = bandCount_ - 1; b >= 0; --b) {
             Band& band = bands_[b];
             FilterBandFloat(b, filtered);
-            float g = band.gain;
-            for (;;) {
-                float lo = 0.0f, hi = 0.0f;
-                ScaledSumRange(sum, filtered, g, kBlockLength, lo, hi);
-                if (!((lo <= -32768.0f || hi >= 32767.0f) && g > 0.0f))
-                    break;
-                clipped = true;
-                g = std::max(g - 0.1f, 0.0f);
-            }
+            const float g = BackOffGain(
+                band.gain,
+                [&](float trialGain) {
+                    float lo = 0.0f, hi = 0.0f;
+                    ScaledSumRange(sum, filtered, trialGain, kBlockLength, lo, hi);
+                    return (lo <= -32768.0f || hi >= 32767.0f) && trialGain > 0.0f;
+                },
+                clipped);
             ScaleAccumulate(sum, band.output.data(), filtered, g, kBlockLength);
-            if (g < band.level)
-                g += 0.02f;
-            if (g > band.level)
-                g = band.level;
-            band.gain = g;
+            band.gain = RecoverGain(g, band.level);
         }
     }
 }

@@ -31,18 +31,6 @@ const QColor kDefaultMain[2] = {QColor(70, 160, 255), QColor(255, 150, 50)};
 const QColor kDefaultDark[2] = {QColor(20, 60, 140), QColor(130, 60, 10)};
 const QColor kPictureColour(150, 210, 160);
 
-QLabel* Caption(const QString& text, QWidget* parent) {
-    auto* l = new QLabel(text, parent);
-    l->setAlignment(Qt::AlignCenter);
-    QFont f = l->font();
-    f.setPointSizeF(7.5);
-    l->setFont(f);
-    QPalette pal = l->palette();
-    pal.setColor(QPalette::WindowText, DimTextColor());
-    l->setPalette(pal);
-    return l;
-}
-
 void PlotTables(CNiGraph* graph, const CrossFaderCurve& curve) {
     for (int deck = 0; deck < 2; ++deck) {
         const auto& t = curve.Table(deck);
