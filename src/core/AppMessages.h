@@ -65,5 +65,5 @@ void PostAppMessageRetry(WindowHandle target, Uwm msg, WParam wParam = 0, LParam
 void FailNextPostsForTest(int count);
 
 // Runs every queued message and event of the calling thread once (the
-// "pump" of shutdown and of StopForwardReader).
+// "pump" of shutdown and of WorkerThread::Join).
 void PumpMessages(int maxRounds = 1);

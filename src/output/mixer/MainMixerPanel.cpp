@@ -194,20 +194,19 @@ void MainMixerPanel::LayOut() {
 
     auto* bottom = new QHBoxLayout;
     bottom->setSpacing(6);
-    auto* bal = new QVBoxLayout;
-    bal->setSpacing(0);
-    balance_->setFixedHeight(22);
-    bal->addWidget(balance_);
-    bal->addWidget(Caption(QStringLiteral("balance"), this));
-    bottom->addLayout(bal, 3);
+    // A 22-pixel slide with its caption under it.
+    const auto captioned = [this](CNiSlide* slide, const QString& caption) {
+        auto* column = new QVBoxLayout;
+        column->setSpacing(0);
+        slide->setFixedHeight(22);
+        column->addWidget(slide);
+        column->addWidget(Caption(caption, this));
+        return column;
+    };
+    bottom->addLayout(captioned(balance_, QStringLiteral("balance")), 3);
     autoPanButton_->setFixedHeight(24);
     bottom->addWidget(autoPanButton_, 0, Qt::AlignTop);
-    auto* speed = new QVBoxLayout;
-    speed->setSpacing(0);
-    autoPanSpeed_->setFixedHeight(22);
-    speed->addWidget(autoPanSpeed_);
-    speed->addWidget(Caption(QStringLiteral("pan speed"), this));
-    bottom->addLayout(speed, 2);
+    bottom->addLayout(captioned(autoPanSpeed_, QStringLiteral("pan speed")), 2);
 
     auto* v = new QVBoxLayout(this);
     v->setContentsMargins(6, 6, 6, 6);
