@@ -1,5 +1,6 @@
 #include "platform/sound/SoundBuffer.h"
 
+#include "core/ThreadRole.h"
 #include "platform/sound/SoundMixer.h"
 #include "platform/sound/SoundVoice.h"
 
@@ -9,6 +10,7 @@ SoundBuffer::SoundBuffer(std::shared_ptr<SoundMixer> mixer, SoundVoice* voice)
     : mixer_(std::move(mixer)), voice_(voice) {}
 
 SoundBuffer::~SoundBuffer() {
+    AssertNotAudioThread("SoundBuffer::~SoundBuffer");
     mixer_->RemoveVoice(voice_);
 }
 
@@ -154,6 +156,7 @@ SoundStatus SoundBuffer::SetNotificationPositions(const NotificationPosition* po
 }
 
 SoundStatus SoundBuffer::SetEffects(std::vector<std::shared_ptr<SoundEffect>> chain) {
+    AssertNotAudioThread("SoundBuffer::SetEffects");
     if (chain.size() > static_cast<std::size_t>(kMaxEffects))
         return kStatusOutOfResources;
     for (const auto& e : chain)
