@@ -22,6 +22,8 @@ SoundStatus SoundBuffer::Lock(std::uint32_t offset, std::uint32_t bytes, LockedR
     const std::uint32_t size = voice_->Bytes();
     if (region == nullptr || bytes == 0 || bytes > size || offset >= size)
         return kStatusInvalidParam;
+    // The mix's reads of this memory are over before the caller writes it.
+    static_cast<void>(voice_->ringRead.load(std::memory_order_acquire));
     std::uint8_t* data = voice_->Data();
     region->first = data + offset;
     if (offset + bytes <= size) {
@@ -41,8 +43,8 @@ SoundStatus SoundBuffer::Unlock(const LockedRegion& region) {
     const std::uint32_t size = voice_->Bytes();
     if (region.first < data || region.first + region.firstBytes > data + size)
         return kStatusInvalidParam;
-    // Publish the written samples to the audio thread.
-    std::atomic_thread_fence(std::memory_order_release);
+    // Publish the written samples: the next mix pass acquires them.
+    voice_->ringWritten.fetch_add(1, std::memory_order_release);
     return kStatusOk;
 }
 
