@@ -8,31 +8,15 @@
 #include <thread>
 
 #include "core/AppMessages.h"
+#include "core/RealtimeDeathTest.h"
 #include "core/SyncEvent.h"
 #include "core/ThreadRole.h"
 #include "core/WorkerThread.h"
 
 namespace {
 
-// Runs `call` on a new thread marked as the audio thread and waits for it.
-template <typename F>
-void OnAudioThread(F call) {
-    std::thread t([&call] {
-        MarkAudioThread();
-        call();
-    });
-    t.join();
-}
-
-class RealtimeChecksDeathTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-#if !(defined(MIXORA_RT_CHECKS) && MIXORA_RT_CHECKS)
-        GTEST_SKIP() << "built without MIXORA_RT_CHECKS: the checks compile to nothing";
-#endif
-        GTEST_FLAG_SET(death_test_style, "threadsafe");
-    }
-};
+using rttest::OnAudioThread;
+using RealtimeChecksDeathTest = rttest::RealtimeDeathTest;
 
 TEST(RealtimeChecks, OnlyTheMarkedThreadIsTheAudioThread) {
     bool marked = false;

@@ -6,12 +6,13 @@
 // that sets an event: the program aborts on that thread.
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <thread>
 #include <vector>
 
+#include "core/RealtimeDeathTest.h"
 #include "core/SyncEvent.h"
-#include "core/ThreadRole.h"
 #include "platform/sound/SoundDevice.h"
 #include "platform/sound/SoundMixer.h"
 #include "platform/sound/SoundVoice.h"
@@ -21,24 +22,8 @@ namespace {
 using sound::SoundBuffer;
 using sound::SoundDevice;
 
-template <typename F>
-void OnAudioThread(F call) {
-    std::thread t([&call] {
-        MarkAudioThread();
-        call();
-    });
-    t.join();
-}
-
-class RealtimeChecksSoundDeathTest : public ::testing::Test {
-  protected:
-    void SetUp() override {
-#if !(defined(MIXORA_RT_CHECKS) && MIXORA_RT_CHECKS)
-        GTEST_SKIP() << "built without MIXORA_RT_CHECKS: the checks compile to nothing";
-#endif
-        GTEST_FLAG_SET(death_test_style, "threadsafe");
-    }
-};
+using rttest::OnAudioThread;
+using RealtimeChecksSoundDeathTest = rttest::RealtimeDeathTest;
 
 // An effect that does what the audio callback must never do.
 class BlockingEffect : public sound::SoundEffect {
