@@ -4,8 +4,8 @@
 //
 // Threads: the fields marked "UI" are written by the owning SoundBuffer on
 // one non-audio thread and read by the mix; the mix writes `position`,
-// `mixLead`, the notification counters and (for a one-shot buffer that ends)
-// `playing`. Render() runs on the mix thread only and never locks, allocates
+// `mixLead`, `ringRead`, the notification counters and (for a one-shot
+// buffer that ends) `playing`. Render() runs on the mix thread only and never locks, allocates
 // or calls the system.
 #pragma once
 
