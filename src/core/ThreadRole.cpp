@@ -7,7 +7,18 @@
 
 namespace {
 thread_local bool t_isAudioThread = false;
+}  // namespace
 
+void MarkAudioThread() {
+    t_isAudioThread = true;
+}
+
+bool IsAudioThread() {
+    return t_isAudioThread;
+}
+
+#if defined(MIXORA_RT_CHECKS) && MIXORA_RT_CHECKS
+namespace {
 // Writes straight to the descriptor: no stdio buffer, no allocation.
 void WriteError(const char* text) {
     std::size_t left = std::strlen(text);
@@ -21,15 +32,6 @@ void WriteError(const char* text) {
 }
 }  // namespace
 
-void MarkAudioThread() {
-    t_isAudioThread = true;
-}
-
-bool IsAudioThread() {
-    return t_isAudioThread;
-}
-
-#if defined(MIXORA_RT_CHECKS) && MIXORA_RT_CHECKS
 void AssertNotAudioThread(const char* entryPoint) {
     if (!t_isAudioThread)
         return;
