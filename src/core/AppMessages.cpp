@@ -129,6 +129,7 @@ const char* UwmName(std::uint32_t msg) {
 }
 
 WindowHandle RegisterReceiver(QObject* object, MessageReceiver* receiver) {
+    AssertNotAudioThread("RegisterReceiver");
     TheDeliverer(object);
     std::lock_guard lock(g_registryMutex);
     WindowHandle h = g_nextHandle++;
@@ -139,6 +140,7 @@ WindowHandle RegisterReceiver(QObject* object, MessageReceiver* receiver) {
 }
 
 void UnregisterReceiver(WindowHandle handle) {
+    AssertNotAudioThread("UnregisterReceiver");
     std::vector<std::weak_ptr<SendWait>> waiting;
     {
         std::lock_guard lock(g_registryMutex);
@@ -155,12 +157,13 @@ void UnregisterReceiver(WindowHandle handle) {
 }
 
 bool IsWindow(WindowHandle handle) {
+    AssertNotAudioThread("IsWindow");
     std::lock_guard lock(g_registryMutex);
     return handle != 0 && g_registry.count(handle) != 0;
 }
 
 LResult SendAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) {
-    AssertNotAudioThread();
+    AssertNotAudioThread("SendAppMessage");
     std::shared_ptr<SendWait> wait;
     MessageReceiver* direct = nullptr;
     {
@@ -203,6 +206,7 @@ LResult SendAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lPara
 }
 
 bool PostAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) {
+    AssertNotAudioThread("PostAppMessage");
     int fail = g_failPosts.load();
     while (fail > 0) {
         if (g_failPosts.compare_exchange_weak(fail, fail - 1))
@@ -219,6 +223,7 @@ bool PostAppMessage(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) 
 }
 
 void PostAppMessageRetry(WindowHandle target, Uwm msg, WParam wParam, LParam lParam) {
+    AssertNotAudioThread("PostAppMessageRetry");
     while (!PostAppMessage(target, msg, wParam, lParam)) {
         if (!IsWindow(target))
             return;
@@ -231,6 +236,7 @@ void FailNextPostsForTest(int count) {
 }
 
 void PumpMessages(int maxRounds) {
+    AssertNotAudioThread("PumpMessages");
     for (int i = 0; i < maxRounds; ++i) {
         QCoreApplication::sendPostedEvents();
         QCoreApplication::processEvents(QEventLoop::AllEvents);

@@ -8,7 +8,7 @@ SyncEvent::SyncEvent(Kind kind, bool initiallySet, std::string name)
     : kind_(kind), name_(std::move(name)), set_(initiallySet) {}
 
 void SyncEvent::Set() {
-    AssertNotAudioThread();
+    AssertNotAudioThread("SyncEvent::Set");
     {
         std::lock_guard lock(mutex_);
         set_ = true;
@@ -21,12 +21,13 @@ void SyncEvent::Set() {
 }
 
 void SyncEvent::Reset() {
+    AssertNotAudioThread("SyncEvent::Reset");
     std::lock_guard lock(mutex_);
     set_ = false;
 }
 
 bool SyncEvent::Wait(int timeoutMs) {
-    AssertNotAudioThread();
+    AssertNotAudioThread("SyncEvent::Wait");
     std::unique_lock lock(mutex_);
     if (timeoutMs < 0) {
         cv_.wait(lock, [this] { return set_; });
@@ -39,6 +40,7 @@ bool SyncEvent::Wait(int timeoutMs) {
 }
 
 bool SyncEvent::IsSet() const {
+    AssertNotAudioThread("SyncEvent::IsSet");
     std::lock_guard lock(mutex_);
     return set_;
 }

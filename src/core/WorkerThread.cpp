@@ -6,6 +6,7 @@
 #include <chrono>
 
 #include "core/AppMessages.h"
+#include "core/ThreadRole.h"
 
 WorkerThread::~WorkerThread() {
     if (thread_.joinable()) {
@@ -15,6 +16,7 @@ WorkerThread::~WorkerThread() {
 }
 
 void WorkerThread::Start(std::string name, ThreadPriority priority, Body body) {
+    AssertNotAudioThread("WorkerThread::Start");
     if (thread_.joinable())
         Join();
     name_ = std::move(name);
@@ -40,6 +42,7 @@ void WorkerThread::SetPriority(ThreadPriority priority) {
 }
 
 void WorkerThread::Join(const std::function<void()>& nudge) {
+    AssertNotAudioThread("WorkerThread::Join");
     if (!thread_.joinable())
         return;
     const bool onUiThread =

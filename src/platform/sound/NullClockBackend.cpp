@@ -21,6 +21,7 @@ class NullClockBackend : public SoundBackend {
     ~NullClockBackend() override { Stop(); }
 
     SoundStatus Start(SoundMixer* mixer, std::atomic<std::uint64_t>* underruns) override {
+        AssertNotAudioThread("NullClockBackend::Start");
         if (thread_.joinable())
             return kStatusOk;
         run_.store(true);
@@ -29,6 +30,7 @@ class NullClockBackend : public SoundBackend {
     }
 
     void Stop() override {
+        AssertNotAudioThread("NullClockBackend::Stop");
         run_.store(false);
         if (thread_.joinable())
             thread_.join();
@@ -37,8 +39,9 @@ class NullClockBackend : public SoundBackend {
   private:
     void Loop(SoundMixer* mixer, std::atomic<std::uint64_t>* underruns) {
         using Clock = std::chrono::steady_clock;
-        MarkAudioThread();
+        // The period's memory is taken before the thread becomes the audio thread.
         std::vector<std::int16_t> out(static_cast<std::size_t>(periodFrames_) * format_.channels);
+        MarkAudioThread();
         const auto period = std::chrono::duration_cast<Clock::duration>(
             std::chrono::duration<double>(static_cast<double>(periodFrames_) / format_.rate));
         auto due = Clock::now();

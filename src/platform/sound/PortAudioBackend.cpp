@@ -18,6 +18,7 @@ class PortAudioBackend : public SoundBackend {
     ~PortAudioBackend() override { Stop(); }
 
     SoundStatus Start(SoundMixer* mixer, std::atomic<std::uint64_t>* underruns) override {
+        AssertNotAudioThread("PortAudioBackend::Start");
         if (stream_ != nullptr)
             return kStatusOk;
         mixer_ = mixer;
@@ -47,6 +48,7 @@ class PortAudioBackend : public SoundBackend {
     }
 
     void Stop() override {
+        AssertNotAudioThread("PortAudioBackend::Stop");
         if (stream_ == nullptr)
             return;
         Pa_StopStream(stream_);

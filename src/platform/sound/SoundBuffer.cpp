@@ -1,5 +1,6 @@
 #include "platform/sound/SoundBuffer.h"
 
+#include "core/ThreadRole.h"
 #include "platform/sound/SoundMixer.h"
 #include "platform/sound/SoundVoice.h"
 
@@ -9,6 +10,7 @@ SoundBuffer::SoundBuffer(std::shared_ptr<SoundMixer> mixer, SoundVoice* voice)
     : mixer_(std::move(mixer)), voice_(voice) {}
 
 SoundBuffer::~SoundBuffer() {
+    AssertNotAudioThread("SoundBuffer::~SoundBuffer");
     mixer_->RemoveVoice(voice_);
 }
 
@@ -20,6 +22,8 @@ SoundStatus SoundBuffer::Lock(std::uint32_t offset, std::uint32_t bytes, LockedR
     const std::uint32_t size = voice_->Bytes();
     if (region == nullptr || bytes == 0 || bytes > size || offset >= size)
         return kStatusInvalidParam;
+    // The mix's reads of this memory are over before the caller writes it.
+    static_cast<void>(voice_->ringRead.load(std::memory_order_acquire));
     std::uint8_t* data = voice_->Data();
     region->first = data + offset;
     if (offset + bytes <= size) {
@@ -39,8 +43,8 @@ SoundStatus SoundBuffer::Unlock(const LockedRegion& region) {
     const std::uint32_t size = voice_->Bytes();
     if (region.first < data || region.first + region.firstBytes > data + size)
         return kStatusInvalidParam;
-    // Publish the written samples to the audio thread.
-    std::atomic_thread_fence(std::memory_order_release);
+    // Publish the written samples: the next mix pass acquires them.
+    voice_->ringWritten.fetch_add(1, std::memory_order_release);
     return kStatusOk;
 }
 
@@ -154,6 +158,7 @@ SoundStatus SoundBuffer::SetNotificationPositions(const NotificationPosition* po
 }
 
 SoundStatus SoundBuffer::SetEffects(std::vector<std::shared_ptr<SoundEffect>> chain) {
+    AssertNotAudioThread("SoundBuffer::SetEffects");
     if (chain.size() > static_cast<std::size_t>(kMaxEffects))
         return kStatusOutOfResources;
     for (const auto& e : chain)

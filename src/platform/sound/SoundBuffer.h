@@ -33,7 +33,8 @@ class SoundBuffer {
 
     // Gives write access to `bytes` bytes from `offset`: one span, or two when
     // the range wraps past the end. Writing where the play cursor is about to
-    // read is the caller's business, as with any streaming buffer.
+    // read is the caller's business, as with any streaming buffer. Unlock
+    // publishes what was written to the mix (its next pass reads it whole).
     SoundStatus Lock(std::uint32_t offset, std::uint32_t bytes, LockedRegion* region);
     SoundStatus Unlock(const LockedRegion& region);
 

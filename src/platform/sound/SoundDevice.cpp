@@ -3,6 +3,7 @@
 #include <chrono>
 #include <new>
 
+#include "core/ThreadRole.h"
 #include "platform/sound/SoundMixer.h"
 #include "platform/sound/SoundVoice.h"
 
@@ -24,6 +25,7 @@ PrimaryFormat PrimaryFormatFor(bool use3D) {
 }
 
 std::unique_ptr<SoundDevice> SoundDevice::OpenNull(NullClock clock, bool use3D) {
+    AssertNotAudioThread("SoundDevice::OpenNull");
     const PrimaryFormat format = PrimaryFormatFor(use3D);
     std::unique_ptr<SoundBackend> backend;
     if (clock == NullClock::Realtime)
@@ -49,6 +51,7 @@ SoundDevice::SoundDevice(std::string identifier, std::string description, Primar
 }
 
 SoundDevice::~SoundDevice() {
+    AssertNotAudioThread("SoundDevice::~SoundDevice");
     if (backend_)
         backend_->Stop();
     serviceRun_.store(false);
@@ -58,6 +61,7 @@ SoundDevice::~SoundDevice() {
 }
 
 SoundStatus SoundDevice::Start() {
+    AssertNotAudioThread("SoundDevice::Start");
     if (started_)
         return kStatusOk;
     if (backend_) {
@@ -80,6 +84,7 @@ void SoundDevice::ServiceLoop() {
 
 SoundStatus SoundDevice::CreateBuffer(const BufferDesc& desc,
                                       std::unique_ptr<SoundBuffer>* buffer) {
+    AssertNotAudioThread("SoundDevice::CreateBuffer");
     if (buffer == nullptr)
         return kStatusInvalidParam;
     buffer->reset();
@@ -112,6 +117,7 @@ std::uint64_t SoundDevice::FramesRendered() const {
 }
 
 bool SoundDevice::Render(int frames, std::int16_t* out) {
+    AssertNotAudioThread("SoundDevice::Render");
     if (backend_ != nullptr || frames < 0 || out == nullptr)
         return false;
     mixer_->Mix(out, frames);

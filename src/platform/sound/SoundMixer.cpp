@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/SyncEvent.h"
+#include "core/ThreadRole.h"
 
 namespace sound {
 
@@ -39,6 +40,7 @@ SoundMixer::~SoundMixer() {
 }
 
 SoundStatus SoundMixer::AddVoice(std::unique_ptr<SoundVoice> voice) {
+    AssertNotAudioThread("SoundMixer::AddVoice");
     std::lock_guard lock(uiMutex_);
     CollectLocked(false);
     for (int i = 0; i < kMaxVoices; ++i) {
@@ -53,6 +55,7 @@ SoundStatus SoundMixer::AddVoice(std::unique_ptr<SoundVoice> voice) {
 }
 
 void SoundMixer::RemoveVoice(SoundVoice* voice) {
+    AssertNotAudioThread("SoundMixer::RemoveVoice");
     if (voice == nullptr)
         return;
     std::lock_guard lock(uiMutex_);
@@ -70,6 +73,7 @@ void SoundMixer::RemoveVoice(SoundVoice* voice) {
 }
 
 void SoundMixer::SetEffects(SoundVoice* voice, std::unique_ptr<EffectChain> chain) {
+    AssertNotAudioThread("SoundMixer::SetEffects");
     std::lock_guard lock(uiMutex_);
     EffectChain* old = voice->effects.exchange(chain.release());
     if (old)
@@ -78,6 +82,7 @@ void SoundMixer::SetEffects(SoundVoice* voice, std::unique_ptr<EffectChain> chai
 }
 
 void SoundMixer::Collect() {
+    AssertNotAudioThread("SoundMixer::Collect");
     std::lock_guard lock(uiMutex_);
     CollectLocked(false);
 }

@@ -9,6 +9,7 @@
 #include <map>
 #include <mutex>
 
+#include "core/ThreadRole.h"
 #include "platform/sound/PortAudioBackend.h"
 
 namespace sound {
@@ -107,11 +108,13 @@ std::vector<PaEntry> ListPortAudioLocked() {
 }  // namespace
 
 SoundStatus InitializeAudioLibrary() {
+    AssertNotAudioThread("sound::InitializeAudioLibrary");
     std::lock_guard lock(g_mutex);
     return InitLocked();
 }
 
 SoundStatus ReinitializeAudioLibrary() {
+    AssertNotAudioThread("sound::ReinitializeAudioLibrary");
     std::lock_guard lock(g_mutex);
     if (OpenPortAudioStreams() > 0)
         return kStatusFail;
@@ -120,12 +123,14 @@ SoundStatus ReinitializeAudioLibrary() {
 }
 
 void ShutdownAudioLibrary() {
+    AssertNotAudioThread("sound::ShutdownAudioLibrary");
     std::lock_guard lock(g_mutex);
     if (OpenPortAudioStreams() == 0)
         TerminateLocked();
 }
 
 std::vector<SoundDeviceInfo> EnumerateDevices() {
+    AssertNotAudioThread("sound::EnumerateDevices");
     std::lock_guard lock(g_mutex);
     InitLocked();
     std::vector<SoundDeviceInfo> list{{"Null Output (silent)", kNullDeviceId}};
@@ -136,6 +141,7 @@ std::vector<SoundDeviceInfo> EnumerateDevices() {
 
 SoundStatus OpenDevice(const std::string& identifier, bool use3D,
                        std::unique_ptr<SoundDevice>* device) {
+    AssertNotAudioThread("sound::OpenDevice");
     if (device == nullptr)
         return kStatusInvalidParam;
     device->reset();

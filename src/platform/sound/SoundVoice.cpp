@@ -200,6 +200,14 @@ void SoundVoice::RecordCrossings(std::uint64_t start, std::uint64_t end) {
 }
 
 void SoundVoice::Render(float* accum, int frames, int deviceRate, const MixScratch& scratch) {
+    // The writer's samples up to its last unlock are visible from here on.
+    static_cast<void>(ringWritten.load(std::memory_order_acquire));
+    RenderPass(accum, frames, deviceRate, scratch);
+    // This pass's reads of the ring are over before the writer's next lock.
+    ringRead.store(++passes_, std::memory_order_release);
+}
+
+void SoundVoice::RenderPass(float* accum, int frames, int deviceRate, const MixScratch& scratch) {
     const std::uint32_t hz = frequency.load(std::memory_order_relaxed);
     const auto step =
         static_cast<std::uint64_t>(static_cast<double>(hz) / deviceRate * kFixedOne + 0.5);

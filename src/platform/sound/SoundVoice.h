@@ -4,8 +4,8 @@
 //
 // Threads: the fields marked "UI" are written by the owning SoundBuffer on
 // one non-audio thread and read by the mix; the mix writes `position`,
-// `mixLead`, the notification counters and (for a one-shot buffer that ends)
-// `playing`. Render() runs on the mix thread only and never locks, allocates
+// `mixLead`, `ringRead`, the notification counters and (for a one-shot
+// buffer that ends) `playing`. Render() runs on the mix thread only and never locks, allocates
 // or calls the system.
 #pragma once
 
@@ -85,6 +85,17 @@ class SoundVoice {
     std::atomic<std::uint64_t> position{0};
     std::atomic<std::uint32_t> mixLead{0};
 
+    // Hand-over of the sample memory in both directions. The writer bumps
+    // `ringWritten` (release) when it unlocks what it wrote; every pass
+    // acquires it before reading the ring, so samples written before an
+    // unlock are complete when a later pass reads them. Every pass ends by
+    // bumping `ringRead` (release); the writer acquires it when it locks, so
+    // a pass's reads are over before the writer overwrites what it read.
+    // Which bytes are safe to write is still the write-ahead distance's
+    // business (the play and write cursors).
+    std::atomic<std::uint32_t> ringWritten{0};
+    std::atomic<std::uint32_t> ringRead{0};
+
   private:
     struct EnvelopeCursor {
         const EnvelopeSlot* slot = nullptr;
@@ -102,6 +113,7 @@ class SoundVoice {
         int declickLeft = 0;
     };
 
+    void RenderPass(float* accum, int frames, int deviceRate, const MixScratch& scratch);
     void ApplyTransport(std::uint64_t step);
     void UpdateTarget();
     // Fills per-frame gains of the playing voice; true when they are constant.
@@ -114,6 +126,7 @@ class SoundVoice {
 
     // Mix thread only.
     std::uint32_t seenPlay_ = 0, seenStop_ = 0;
+    std::uint32_t passes_ = 0;  // passes rendered (what ringRead publishes)
     bool active_ = false;
     std::int32_t lastVolume_ = 1, lastPan_ = 1;  // force the first computation
     float panLeft_ = 1.0f, panRight_ = 1.0f;
