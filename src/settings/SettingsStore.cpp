@@ -74,17 +74,17 @@ float SettingsStore::ReadReal(const QString& name) {
 }
 
 bool SettingsStore::WriteNumber(const QString& name, std::uint32_t value) {
-    AssertNotAudioThread();
+    AssertNotAudioThread("SettingsStore::WriteNumber");
     return Write(name, SettingsValue::OfNumber(value));
 }
 
 bool SettingsStore::WriteText(const QString& name, const QString& text) {
-    AssertNotAudioThread();
+    AssertNotAudioThread("SettingsStore::WriteText");
     return Write(name, SettingsValue::OfText(text));
 }
 
 bool SettingsStore::WriteReal(const QString& name, float value) {
-    AssertNotAudioThread();
+    AssertNotAudioThread("SettingsStore::WriteReal");
     return WriteNumber(name, std::bit_cast<std::uint32_t>(value));
 }
 
@@ -209,7 +209,7 @@ void SettingsStore::LoadLocked() {
 }
 
 bool SettingsStore::SaveLocked() {
-    AssertNotAudioThread();
+    AssertNotAudioThread("SettingsStore::Save");
     dirty_ = false;
     QString error;
     FileIdentity written;
