@@ -1,16 +1,13 @@
 #include "app/CMixoraDlg.h"
 
 #include <QApplication>
-#include <QCloseEvent>
 #include <QHBoxLayout>
 #include <QMessageBox>
 #include <QPainter>
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
-#include <chrono>
 #include <cstdio>
-#include <thread>
 
 #include "app/CMixoraApp.h"
 #include "app/KeyboardPollThread.h"
@@ -471,136 +468,4 @@ LResult CMixoraDlg::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             qDebug().noquote() << "CMixoraDlg ignores" << UwmName(msg) << wParam << lParam;
             return 0;
     }
-}
-
-void CMixoraDlg::reject() {
-    Shutdown();
-}
-
-void CMixoraDlg::closeEvent(QCloseEvent* event) {
-    event->ignore();
-    Shutdown();
-}
-
-void CMixoraDlg::ShutdownStep(int lamp, const QString& text) {
-    if (lamp >= 1 && lamp <= 5)
-        lamps_[lamp - 1]->SetLit(true);
-    status_->setText(text);
-    status_->repaint();
-    if (lamp >= 1) {
-        ShellLog(QStringLiteral("shutdown lamp %1: %2").arg(lamp).arg(text));
-    } else {
-        ShellLog(QStringLiteral("shutdown status: %1").arg(text));
-    }
-}
-
-void CMixoraDlg::Pause() {
-    if (pauseMs_ > 0)
-        std::this_thread::sleep_for(std::chrono::milliseconds(pauseMs_));
-}
-
-void CMixoraDlg::PumpAndPause() {
-    // Lets threads blocked in a send to a window finish it.
-    for (int i = 0; i < 1000; ++i) {
-        QCoreApplication::sendPostedEvents();
-        QCoreApplication::processEvents(QEventLoop::AllEvents);
-    }
-    Pause();
-}
-
-void CMixoraDlg::Shutdown() {
-    if (shuttingDown_)
-        return;
-    shuttingDown_ = true;
-    SharedEngineState& e = Engine();
-    ShellLog(QStringLiteral("shutdown"));
-
-    // On screen as the progress window.
-    progress_->show();
-    showNormal();
-    setGeometry(100, 100, 150, 100);
-    show();
-    raise();
-
-    ShutdownStep(1, QStringLiteral("Stopping Threads."));
-    e.keyboardThreadRun.store(0);
-    for (NotifyKind kind : {NotifyKind::Forward, NotifyKind::Reverse, NotifyKind::Scratch}) {
-        for (int d = 0; d < 2; ++d) {
-            if (mainMixer_) {
-                mainMixer_->Notifications().Stop(kind, d);
-            } else {
-                NotifyStopFlag(e.decks[d], kind).store(1);
-                NotifyEvent(e.decks[d], kind).Set();
-            }
-        }
-    }
-    e.tickThreadRun.store(0);
-    e.tickWakeEvent.Set();
-    StopGraphsThreadIfMetersOff();
-
-    ShutdownStep(2, QStringLiteral("Destroying Decks"));
-    for (int d = 0; d < 2; ++d) {
-        DeckSharedState& shared = e.decks[d];
-        if (playLists_[d])
-            playLists_[d]->StopPlayList();
-        shared.deckInfoThreadRun.store(0);
-        shared.deckInfoEvent->Set();
-        shared.playListThreadRun.store(0);
-        shared.playListWakeEvent.Set();
-        if (decks_[d]) {
-            decks_[d]->Shutdown();
-            decks_[d]->CloseDecoder();
-        }
-    }
-    PumpAndPause();
-    // Beyond the pause: every stopped thread has ended before anything it
-    // might touch goes away.
-    JoinStoppedThreads();
-
-    ShutdownStep(3, QStringLiteral("Stopping Timers"));
-    if (mainMixer_)
-        mainMixer_->KillTimers();
-    PumpAndPause();
-
-    ShutdownStep(4, QStringLiteral("Killing COM."));
-    // Every device closes before the sound library goes.
-    if (mainMixer_)
-        mainMixer_->MainOutput().CloseDevice();
-    if (headphones_)
-        headphones_->Output().CloseDevice();
-    if (layersUp_) {
-        layers_->ReleaseSound();
-        layersUp_ = false;
-    }
-    PumpAndPause();
-
-    ShutdownStep(5, QStringLiteral("Destroying Deck Components."));
-    for (int d = 0; d < 2; ++d) {
-        infos_[d].reset();
-        equalizers_[d].reset();
-    }
-    // A deck reads its play list's entries (its progress timer runs until
-    // the deck goes), so the decks go before the play list windows.
-    for (auto& deck : decks_)
-        deck.reset();
-    PumpAndPause();
-    for (auto& list : playLists_)
-        list.reset();
-    PumpAndPause();
-
-    ShutdownStep(0, QStringLiteral("Destroying Mixer"));
-    graph3d_.reset();
-    headphones_.reset();
-    mainMixer_.reset();
-    cdAudio_.reset();
-    Pause();
-
-    // The graphs thread may still run (a deck's meters were on): it ends now.
-    StopGraphsThread();
-    keyForwarder_.Uninstall();
-    ShellLog(QStringLiteral("events closed"));
-    PumpMessages();
-    Pause();
-    ShellLog(QStringLiteral("exit 0"));
-    onEnd_(0);
 }
