@@ -9,8 +9,8 @@
 #include "controls/CNiSlide.h"
 #include "deck/CRynDeck.h"
 #include "deck/DeckRig.h"
-#include "output/mixer/CRynMainMixer.h"
 #include "output/engine/WriteAheadTarget.h"
+#include "output/mixer/CRynMainMixer.h"
 
 using testsupport::PlaybackRig;
 
