@@ -4,27 +4,26 @@
 #include <QStandardPaths>
 
 namespace {
-QString FromEnv(const char* name) {
-    return QString::fromLocal8Bit(qgetenv(name));
+
+// $`variable` when set, else `suffix` under the standard location; the
+// folder is made when missing.
+QString FolderFor(const char* variable, QStandardPaths::StandardLocation location,
+                  const QString& suffix) {
+    QString dir = QString::fromLocal8Bit(qgetenv(variable));
+    if (dir.isEmpty())
+        dir = QStandardPaths::writableLocation(location) + suffix;
+    QDir().mkpath(dir);
+    return dir;
 }
+
 }  // namespace
 
 QString ConfigDir() {
-    QString dir = FromEnv("MIXORA_CONFIG_DIR");
-    if (dir.isEmpty()) {
-        dir = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-              QStringLiteral("/Orvane");
-    }
-    QDir().mkpath(dir);
-    return dir;
+    return FolderFor("MIXORA_CONFIG_DIR", QStandardPaths::GenericConfigLocation,
+                     QStringLiteral("/Orvane"));
 }
 
 QString DataDir() {
-    QString dir = FromEnv("MIXORA_DATA_DIR");
-    if (dir.isEmpty()) {
-        dir = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
-              QStringLiteral("/Orvane/Mixora");
-    }
-    QDir().mkpath(dir);
-    return dir;
+    return FolderFor("MIXORA_DATA_DIR", QStandardPaths::GenericDataLocation,
+                     QStringLiteral("/Orvane/Mixora"));
 }
