@@ -10,6 +10,8 @@
 #include <cstdio>
 
 #include "app/CMixoraApp.h"
+#include "app/CRynKeyboard.h"
+#include "app/KeyboardControl.h"
 #include "app/KeyboardPollThread.h"
 #include "app/ProgressLamp.h"
 #include "app/ScreenMode.h"
@@ -74,7 +76,7 @@ CMixoraDlg::CMixoraDlg(Options options)
     if (!layers_)
         layers_ = MakeSystemPlatformLayers();
     if (!keys_)
-        keys_ = std::make_unique<StubKeySource>();
+        keys_ = std::make_unique<CRynKeyboard>();
     if (!onEnd_)
         onEnd_ = [](int code) { QCoreApplication::exit(code); };
     if (!showError_)
@@ -210,6 +212,7 @@ bool CMixoraDlg::StartUp() {
 
     // Keys of every working window come to the host.
     keyForwarder_.Install();
+    keys_->Initialise();  // after the forwarder: it sees every key first
     ShellLog(QStringLiteral("keyboard ready"));
 
     mainMixer_ = std::make_unique<CRynMainMixer>();
@@ -273,6 +276,14 @@ bool CMixoraDlg::StartUp() {
         headphones_->SetDeckColours(d, decks_[d]->Colour(0), decks_[d]->Colour(1));
     }
 
+    keyControl_ = std::make_unique<KeyboardControl>(
+        [this] {
+            return KeyWindows{mainMixer_.get(),
+                              headphones_.get(),
+                              {decks_[0].get(), decks_[1].get()},
+                              {equalizers_[0].get(), equalizers_[1].get()}};
+        },
+        *keys_);
     StartServiceThreads();
     ShellLog(QStringLiteral("tick and keyboard threads started"));
 
@@ -433,8 +444,12 @@ LResult CMixoraDlg::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
         case UWM_KEY_POLLED:
         case UWM_KEY_DOWN:
         case UWM_KEY_UP:
+            if (shuttingDown_)
+                return 0;
             if (keyHandler_)
                 keyHandler_(msg, wParam, lParam);
+            else if (keyControl_)
+                keyControl_->Handle(msg, wParam, lParam);
             return 0;
         case UWM_DECK_VALUE:
             if (wParam < 2)

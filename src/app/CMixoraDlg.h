@@ -30,6 +30,7 @@ class CRynDeckInfo;
 class CRynEqualizer;
 class CRynPlayList;
 class CRynWindow;
+class KeyboardControl;
 class ProgressLamp;
 
 class CMixoraDlg : public QDialog, public MessageReceiver {
@@ -41,7 +42,7 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
     struct Options {
         // Null: PortAudio and FFmpeg.
         std::unique_ptr<PlatformLayers> layers;
-        // Null: a source with no keys held (the keyboard comes later).
+        // Null: the program's keyboard (CRynKeyboard).
         std::unique_ptr<KeySource> keys;
         // The pause after each shutdown pump, milliseconds; negative:
         // $MIXORA_SHUTDOWN_PAUSE_MS, else 200.
@@ -67,7 +68,8 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
     void Shutdown();
     bool ShuttingDown() const { return shuttingDown_; }
 
-    // The keyboard maps: called for UWM_KEY_POLLED, UWM_KEY_DOWN and UWM_KEY_UP.
+    // The keyboard maps run for UWM_KEY_POLLED, UWM_KEY_DOWN and UWM_KEY_UP
+    // (KeyboardControl, from start-up on); a handler set here replaces them.
     using KeyHandler = std::function<void(Uwm msg, WParam wParam, LParam lParam)>;
     void SetKeyHandler(KeyHandler handler) { keyHandler_ = std::move(handler); }
 
@@ -76,6 +78,8 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
     CRyn3DGraph* Graph3D() const { return graph3d_.get(); }
     CRynDeck* Deck(int deck) const { return decks_[deck].get(); }
     KeySource& Keys() { return *keys_; }
+    // The key maps (null before start-up).
+    KeyboardControl* KeyMaps() const { return keyControl_.get(); }
     // The value a deck last reported with UWM_DECK_VALUE.
     LParam DeckValue(int deck) const { return deckValues_[deck]; }
     bool GraphsThreadRunning() const;
@@ -114,6 +118,7 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
     bool shuttingDown_ = false;
 
     KeyForwarder keyForwarder_;
+    std::unique_ptr<KeyboardControl> keyControl_;
     std::unique_ptr<CRynCdAudio> cdAudio_;
     std::unique_ptr<CRynMainMixer> mainMixer_;
     std::unique_ptr<CRynHeadphonesMixer> headphones_;

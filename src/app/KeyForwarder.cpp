@@ -52,8 +52,10 @@ bool KeyForwarder::eventFilter(QObject* watched, QEvent* event) {
     if (release && key->isAutoRepeat())
         return true;
     const WindowHandle host = host_ != 0 ? host_ : Engine().mainDialogWindow;
-    PostAppMessageRetry(
-        host, release ? UWM_KEY_UP : UWM_KEY_DOWN, static_cast<WParam>(vk),
-        static_cast<LParam>(KeyMessageParam(key->nativeScanCode(), key->isAutoRepeat(), release)));
+    const Qt::KeyboardModifiers mods = key->modifiers();
+    PostAppMessageRetry(host, release ? UWM_KEY_UP : UWM_KEY_DOWN, static_cast<WParam>(vk),
+                        static_cast<LParam>(KeyMessageParam(
+                            key->nativeScanCode(), key->isAutoRepeat(), release,
+                            mods.testFlag(Qt::ControlModifier), mods.testFlag(Qt::ShiftModifier))));
     return true;
 }

@@ -1,6 +1,6 @@
 // Where the keyboard poll thread reads held keys from: any source of a full
-// key-state snapshot. The real keyboard comes with the keyboard control; the
-// stub here is fed by tests (and is the null source: no keys held).
+// key-state snapshot. The program's keyboard is CRynKeyboard; the stub here
+// is fed by tests (and is the null source: no keys held).
 //
 // Key codes are virtual-key codes as signed 8-bit values: letters 65-90,
 // Page Up 33, Page Down 34, semicolon 0xBA (-70), comma 0xBC (-68), full
@@ -53,6 +53,8 @@ constexpr std::array<KeyCode, 32> kPollTable = {'Q',
 class KeySource {
   public:
     virtual ~KeySource() = default;
+    // Start-up: begin tracking keys (the stub needs nothing).
+    virtual void Initialise() {}
     // The keys of the poll table that are down now, in table order; empty when
     // the source has no device or no access. Called on the poll thread.
     virtual std::vector<KeyCode> Poll() = 0;

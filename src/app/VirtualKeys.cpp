@@ -72,12 +72,16 @@ int VirtualKeyFromQt(int k) {
     }
 }
 
-long long KeyMessageParam(unsigned scanCode, bool autoRepeat, bool release) {
+long long KeyMessageParam(unsigned scanCode, bool autoRepeat, bool release, bool ctrl, bool shift) {
     long long p = 1;
     p |= static_cast<long long>(scanCode & 0xFF) << 16;
     if (autoRepeat || release)
         p |= 1LL << 30;
     if (release)
         p |= 1LL << 31;
+    if (ctrl)
+        p |= kKeyParamCtrl;
+    if (shift)
+        p |= kKeyParamShift;
     return p;
 }

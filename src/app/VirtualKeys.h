@@ -9,5 +9,9 @@ int VirtualKeyFromQt(int qtKey);
 
 // The lParam of a key message: repeat count 1 in bits 0-15, the scan code in
 // bits 16-23, bit 30 set when the key was already down (auto repeat), bit 31
-// set for a key release.
-long long KeyMessageParam(unsigned scanCode, bool autoRepeat, bool release);
+// set for a key release; above those, Mixora's own bits: Ctrl and Shift as
+// they were held at the key event.
+constexpr long long kKeyParamCtrl = 1LL << 32;
+constexpr long long kKeyParamShift = 1LL << 33;
+long long KeyMessageParam(unsigned scanCode, bool autoRepeat, bool release, bool ctrl = false,
+                          bool shift = false);

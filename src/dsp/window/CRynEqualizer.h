@@ -4,6 +4,8 @@
 
 #include "core/CRynWindow.h"
 
+class CNiSlide;
+
 class CRynEqualizer : public CRynWindow {
     Q_OBJECT
   public:
@@ -14,6 +16,12 @@ class CRynEqualizer : public CRynWindow {
     void Initialise(int deck, WindowHandle deckWindow);
     int DeckIndex() const { return deck_; }
     WindowHandle DeckWindow() const { return deckWindow_; }
+    // The level slide of band `band` (0 … 11), which the keys move; none
+    // until the bands come with the equalizer window.
+    CNiSlide* BandLevelSlide(int band) const {
+        (void)band;
+        return nullptr;
+    }
 
   protected:
     // The close box hides the window and tells its deck.

@@ -9,6 +9,8 @@
 #include "core/CRynWindow.h"
 #include "output/engine/CRynAudioOutput.h"
 
+class CNiSlide;
+
 class CRynHeadphonesMixer : public CRynWindow {
     Q_OBJECT
   public:
@@ -26,6 +28,12 @@ class CRynHeadphonesMixer : public CRynWindow {
     // The headphones output (no device until one is chosen for it).
     CRynAudioOutput& Output() { return output_; }
 
+    // The slides the keys move (Ctrl with the main mixer's keys): the deck
+    // levels (0 … 1), the cross fader (-1 … +1) and the volume (0 … 1).
+    CNiSlide* DeckLevelSlide(int deck) const { return levels_[deck == 1 ? 1 : 0]; }
+    CNiSlide* CrossFaderSlide() const { return crossFader_; }
+    CNiSlide* VolumeSlide() const { return volume_; }
+
   protected:
     // The close box hides the window and tells the main mixer.
     void closeEvent(QCloseEvent* event) override;
@@ -34,4 +42,7 @@ class CRynHeadphonesMixer : public CRynWindow {
     WindowHandle mainMixer_ = 0;
     std::array<std::array<QColor, 2>, 2> colours_{};
     CRynAudioOutput output_;
+    std::array<CNiSlide*, 2> levels_{};
+    CNiSlide* crossFader_ = nullptr;
+    CNiSlide* volume_ = nullptr;
 };

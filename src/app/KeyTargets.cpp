@@ -1,0 +1,43 @@
+#include "app/KeyTargets.h"
+
+#include "dsp/window/CRynEqualizer.h"
+#include "output/mixer/CRynHeadphonesMixer.h"
+
+CNiSlide* PhonesSlide(CRynHeadphonesMixer* phones, HeldTarget target, int deck) {
+    if (!phones)
+        return nullptr;
+    switch (target) {
+        case HeldTarget::PhonesLevel:
+            return phones->DeckLevelSlide(deck);
+        case HeldTarget::PhonesCrossFader:
+            return phones->CrossFaderSlide();
+        case HeldTarget::PhonesVolume:
+            return phones->VolumeSlide();
+        default:
+            return nullptr;
+    }
+}
+
+CNiSlide* EqualizerBandSlide(CRynEqualizer* equalizer, int band) {
+    if (!equalizer || band < 0 || band > 11)
+        return nullptr;
+    return equalizer->BandLevelSlide(band);
+}
+
+void TurntableKeyRelease(CRynDeck* deck) {
+    // The platter comes with the turntable; until then there is no position
+    // to take again.
+    (void)deck;
+}
+
+bool ResetWindowPositions() {
+    return false;
+}
+
+bool ShowFullScreen() {
+    return false;
+}
+
+bool WriteUserGuide() {
+    return false;
+}
