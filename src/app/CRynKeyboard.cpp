@@ -49,6 +49,7 @@ void CRynKeyboard::Release() {
 }
 
 void CRynKeyboard::Clear() {
+    settle_.Flush();
     for (auto& key : down_)
         key.store(false, std::memory_order_relaxed);
     codeOfScan_.fill(0);
@@ -107,6 +108,12 @@ bool CRynKeyboard::eventFilter(QObject* watched, QEvent* event) {
     const bool down = type == QEvent::KeyPress;
     if (vk <= 0 || vk > 255 || (down && IsTextField(watched)))
         return false;
-    Record(vk, key->nativeScanCode(), down);
+    const unsigned scan = key->nativeScanCode();
+    if (down) {
+        settle_.Press(vk, key->timestamp());
+        Record(vk, scan, true);
+    } else {
+        settle_.Release(vk, key->timestamp(), [this, vk, scan] { Record(vk, scan, false); });
+    }
     return false;
 }

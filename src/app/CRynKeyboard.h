@@ -8,6 +8,9 @@
 // A key released while another program has the focus never reaches us, so the
 // whole snapshot is cleared whenever the application stops being active.
 //
+// Auto-repeat that Qt does not mark (X's release-and-press pairs) is told
+// apart by KeyReleaseSettle: such a key stays held throughout.
+//
 // A key is recorded under the code it had when it went down (by scan code), so
 // letting go of Shift before ';' still clears the ';' it pressed.
 //
@@ -20,6 +23,7 @@
 #include <array>
 #include <atomic>
 
+#include "app/KeyReleaseSettle.h"
 #include "app/KeySource.h"
 
 class CRynKeyboard : public QObject, public KeySource {
@@ -53,4 +57,5 @@ class CRynKeyboard : public QObject, public KeySource {
     // The virtual-key code each scan code pressed (0: none).
     std::array<int, 256> codeOfScan_{};
     bool installed_ = false;
+    KeyReleaseSettle settle_;
 };

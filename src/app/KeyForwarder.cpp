@@ -53,9 +53,16 @@ bool KeyForwarder::eventFilter(QObject* watched, QEvent* event) {
         return true;
     const WindowHandle host = host_ != 0 ? host_ : Engine().mainDialogWindow;
     const Qt::KeyboardModifiers mods = key->modifiers();
-    PostAppMessageRetry(host, release ? UWM_KEY_UP : UWM_KEY_DOWN, static_cast<WParam>(vk),
-                        static_cast<LParam>(KeyMessageParam(
-                            key->nativeScanCode(), key->isAutoRepeat(), release,
-                            mods.testFlag(Qt::ControlModifier), mods.testFlag(Qt::ShiftModifier))));
+    const bool repeat = key->isAutoRepeat() || (!release && settle_.Press(vk, key->timestamp()));
+    const LParam param = static_cast<LParam>(KeyMessageParam(key->nativeScanCode(), repeat, release,
+                                                             mods.testFlag(Qt::ControlModifier),
+                                                             mods.testFlag(Qt::ShiftModifier)));
+    if (release) {
+        settle_.Release(vk, key->timestamp(), [host, vk, param] {
+            PostAppMessageRetry(host, UWM_KEY_UP, static_cast<WParam>(vk), param);
+        });
+    } else {
+        PostAppMessageRetry(host, UWM_KEY_DOWN, static_cast<WParam>(vk), param);
+    }
     return true;
 }

@@ -4,12 +4,14 @@
 // into a posted UWM_KEY_UP (wParam: virtual-key code, lParam: KeyMessageParam).
 // The key event itself is consumed. Text fields (line and text edits, spin
 // boxes) keep their keys so the user can type into them; keys without a
-// virtual-key code are left alone. Qt's auto-repeat releases are dropped so a
-// held key reads as repeated key-downs and one key-up.
+// virtual-key code are left alone. Auto-repeat releases are dropped, those
+// Qt marks and those KeyReleaseSettle finds, so a held key reads as repeated
+// key-downs (lParam bit 30 set) and one key-up.
 #pragma once
 
 #include <QObject>
 
+#include "app/KeyReleaseSettle.h"
 #include "core/AppMessages.h"
 
 class KeyForwarder : public QObject {
@@ -28,4 +30,5 @@ class KeyForwarder : public QObject {
   private:
     WindowHandle host_;
     bool installed_ = false;
+    KeyReleaseSettle settle_;
 };

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QTest>
 #include <memory>
@@ -274,4 +275,33 @@ TEST_F(KeysThroughWindows, TheSnapshotSkipsTextFieldsAndClearsWhenTheProgramLose
     emit qApp->applicationStateChanged(Qt::ApplicationInactive);
     EXPECT_FALSE(keys.IsDown('T'));
     EXPECT_TRUE(keys.Poll().empty());
+}
+
+TEST_F(KeysThroughWindows, XAutoRepeatPairsKeepAKeyHeld) {
+    auto& keys = static_cast<CRynKeyboard&>(host_->Keys());
+    auto send = [&](QEvent::Type type, int key, Qt::KeyboardModifiers mods, quint64 time) {
+        QKeyEvent event(type, key, mods);
+        event.setTimestamp(time);
+        QCoreApplication::sendEvent(deckA_, &event);
+    };
+    // Plain F held past the repeat delay: the X server sends a release and a
+    // press with one time stamp. The spindle keeps its push.
+    send(QEvent::KeyPress, Qt::Key_F, Qt::NoModifier, 1000);
+    ASSERT_TRUE(testsupport::WaitFor([&] { return deckA_->Tempo().Spindle() > 0.0; }));
+    bool sprangBack = false;
+    QObject::connect(deckA_->Tempo().SpindleSlide(), &CNiSlide::valueChanged, deckA_,
+                     [&](double v) { sprangBack = sprangBack || v == 0.0; });
+    for (quint64 t = 1660; t < 1800; t += 40) {
+        send(QEvent::KeyRelease, Qt::Key_F, Qt::NoModifier, t);
+        send(QEvent::KeyPress, Qt::Key_F, Qt::NoModifier, t);
+        Hold(40);
+        EXPECT_TRUE(keys.IsDown('F'));
+        EXPECT_GT(deckA_->Tempo().Spindle(), 0.0);
+    }
+    EXPECT_FALSE(sprangBack);
+    // Let go for real: it springs back once the release has settled.
+    send(QEvent::KeyRelease, Qt::Key_F, Qt::NoModifier, 1900);
+    EXPECT_TRUE(keys.IsDown('F'));  // not yet
+    ASSERT_TRUE(testsupport::WaitFor([&] { return !keys.IsDown('F'); }, 1000));
+    ASSERT_TRUE(testsupport::WaitFor([&] { return deckA_->Tempo().Spindle() == 0.0; }, 1000));
 }
