@@ -97,7 +97,7 @@ void KeyboardControl::OnKeyUp(int key, bool ctrl, bool shift) {
     int deck = 0;
     const MomentaryButton which = MomentaryButtonOf(key, &deck);
     if (which != MomentaryButton::None && heldByKey_[deck][static_cast<int>(which)])
-        Hold(deck, which, MomentaryOf(w.decks[deck], which), false);
+        Hold(deck, which, false, w);
 }
 
 void KeyboardControl::Nudge(const HeldAction& a, const KeyWindows& w) {
@@ -167,24 +167,16 @@ void KeyboardControl::Run(const KeyAction& a, const KeyWindows& w) {
             Click(deck, deck ? deck->NextButton() : nullptr, "next");
             break;
         case KeyCommand::PressReverse:
-            Hold(d, MomentaryButton::Reverse, MomentaryOf(deck, MomentaryButton::Reverse), true);
+        case KeyCommand::ReleaseReverse:
+            Hold(d, MomentaryButton::Reverse, a.command == KeyCommand::PressReverse, w);
             break;
         case KeyCommand::PressFastForward:
-            Hold(d, MomentaryButton::FastForward, MomentaryOf(deck, MomentaryButton::FastForward),
-                 true);
+        case KeyCommand::ReleaseFastForward:
+            Hold(d, MomentaryButton::FastForward, a.command == KeyCommand::PressFastForward, w);
             break;
         case KeyCommand::PressRewind:
-            Hold(d, MomentaryButton::Rewind, MomentaryOf(deck, MomentaryButton::Rewind), true);
-            break;
-        case KeyCommand::ReleaseReverse:
-            Hold(d, MomentaryButton::Reverse, MomentaryOf(deck, MomentaryButton::Reverse), false);
-            break;
-        case KeyCommand::ReleaseFastForward:
-            Hold(d, MomentaryButton::FastForward, MomentaryOf(deck, MomentaryButton::FastForward),
-                 false);
-            break;
         case KeyCommand::ReleaseRewind:
-            Hold(d, MomentaryButton::Rewind, MomentaryOf(deck, MomentaryButton::Rewind), false);
+            Hold(d, MomentaryButton::Rewind, a.command == KeyCommand::PressRewind, w);
             break;
         case KeyCommand::SpindleBack:
             if (deck)
@@ -250,8 +242,9 @@ CNiButton* KeyboardControl::MomentaryOf(CRynDeck* deck, MomentaryButton which) {
     }
 }
 
-void KeyboardControl::Hold(int deck, MomentaryButton which, CNiButton* button, bool on) {
+void KeyboardControl::Hold(int deck, MomentaryButton which, bool on, const KeyWindows& w) {
     bool& held = heldByKey_[deck][static_cast<int>(which)];
+    CNiButton* button = MomentaryOf(w.decks[deck], which);
     if (!button)
         return;
     if (on) {

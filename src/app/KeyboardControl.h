@@ -62,7 +62,8 @@ class KeyboardControl {
     void Run(const KeyAction& action, const KeyWindows& w);
     void Jump(CRynDeck* deck, double fraction);
     void Click(CRynDeck* deck, CNiButton* button, const char* what);
-    void Hold(int deck, MomentaryButton which, CNiButton* button, bool on);
+    // Switches the deck's momentary button on (key pressed) or off.
+    void Hold(int deck, MomentaryButton which, bool on, const KeyWindows& w);
     static CNiButton* MomentaryOf(CRynDeck* deck, MomentaryButton which);
 
     std::function<KeyWindows()> windows_;

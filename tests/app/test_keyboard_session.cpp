@@ -44,7 +44,8 @@ class Session {
                 QFile::exists(QStringLiteral("/tmp/.X11-unix/X%1").arg(n)))
                 continue;
             display_ = QStringLiteral(":%1").arg(n);
-            xvfb_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+            xvfb_.setStandardOutputFile(QProcess::nullDevice());
+            xvfb_.setStandardErrorFile(QProcess::nullDevice());
             xvfb_.start(QStringLiteral("Xvfb"),
                         {display_, "-screen", "0", "1280x1024x24", "-nolisten", "tcp"});
             if (!xvfb_.waitForStarted(5000))
@@ -76,23 +77,17 @@ class Session {
         program_.waitForStarted(10000);
     }
 
-    bool Xdotool(const QStringList& args) {
+    // Runs xdotool on the session's display; true when it succeeded.
+    bool Xdotool(const QStringList& args, QString* output = nullptr) {
         QProcess x;
         QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
         e.insert("DISPLAY", display_);
         x.setProcessEnvironment(e);
         x.start(QStringLiteral("xdotool"), args);
-        return x.waitForFinished(10000) && x.exitStatus() == QProcess::NormalExit &&
-               x.exitCode() == 0;
-    }
-    QString XdotoolOutput(const QStringList& args) {
-        QProcess x;
-        QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
-        e.insert("DISPLAY", display_);
-        x.setProcessEnvironment(e);
-        x.start(QStringLiteral("xdotool"), args);
-        x.waitForFinished(15000);
-        return QString::fromUtf8(x.readAllStandardOutput()).trimmed();
+        const bool done = x.waitForFinished(15000);
+        if (output)
+            *output = QString::fromUtf8(x.readAllStandardOutput()).trimmed();
+        return done && x.exitStatus() == QProcess::NormalExit && x.exitCode() == 0;
     }
 
     QStringList Log() const {
@@ -169,7 +164,8 @@ TEST(KeyboardSession, KeysTypedIntoTheRealProgramDriveDeckAAndItsLevel) {
     ASSERT_TRUE(s.StartX()) << "Xvfb did not start";
     s.StartProgram({a, b});
     ASSERT_TRUE(s.WaitForLog("running", 1, 30000)) << s.Output().toStdString();
-    const QString deckA = s.XdotoolOutput({"search", "--sync", "--name", "^Deck A$"});
+    QString deckA;
+    ASSERT_TRUE(s.Xdotool({"search", "--sync", "--name", "^Deck A$"}, &deckA));
     ASSERT_FALSE(deckA.isEmpty());
     ASSERT_TRUE(s.Xdotool({"windowfocus", "--sync", deckA.section('\n', 0, 0)}));
 
