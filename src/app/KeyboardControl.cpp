@@ -1,6 +1,7 @@
 #include "app/KeyboardControl.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QMouseEvent>
 #include <algorithm>
 #include <cstdint>
@@ -48,7 +49,29 @@ bool NudgeSlide(CNiSlide* slide, double step) {
 }
 
 KeyboardControl::KeyboardControl(std::function<KeyWindows()> windows, KeySource& keys)
-    : windows_(std::move(windows)), keys_(keys) {}
+    : windows_(std::move(windows)), keys_(keys) {
+    if (qApp) {
+        QObject::connect(qApp, &QGuiApplication::applicationStateChanged, &context_,
+                         [this](Qt::ApplicationState state) {
+                             if (state != Qt::ApplicationActive)
+                                 ReleaseAll();
+                         });
+    }
+}
+
+void KeyboardControl::ReleaseAll() {
+    const KeyWindows w = windows_();
+    for (int deck = 0; deck < 2; ++deck) {
+        for (MomentaryButton which :
+             {MomentaryButton::Reverse, MomentaryButton::FastForward, MomentaryButton::Rewind}) {
+            if (heldByKey_[deck][static_cast<int>(which)])
+                Hold(deck, which, false, w);
+        }
+        if (spindleByKey_[deck] && w.decks[deck])
+            w.decks[deck]->Tempo().ReleaseSpindle();
+        spindleByKey_[deck] = false;
+    }
+}
 
 void KeyboardControl::Handle(Uwm msg, WParam wParam, LParam lParam) {
     // Codes travel sign-extended or as 0 … 255; both read back as int8.
@@ -108,8 +131,10 @@ void KeyboardControl::Nudge(const HeldAction& a, const KeyWindows& w) {
                 deck->Tempo().StepTempo(a.step);
             break;
         case HeldTarget::SpindleSlide:
-            if (deck)
+            if (deck) {
                 deck->Tempo().StepSpindle(a.step);
+                spindleByKey_[a.deck == 1 ? 1 : 0] = true;
+            }
             break;
         case HeldTarget::TempoStep:
             if (!deck)
@@ -181,6 +206,7 @@ void KeyboardControl::Run(const KeyAction& a, const KeyWindows& w) {
         case KeyCommand::SpindleBack:
             if (deck)
                 deck->Tempo().ReleaseSpindle();
+            spindleByKey_[d] = false;
             break;
         case KeyCommand::TurntableRelease:
             TurntableKeyRelease(deck);

@@ -14,6 +14,10 @@
 // Shift of its own key event in its lParam (VirtualKeys.h), so a quick
 // Ctrl+D is still Ctrl+D when its posted message is served.
 //
+// When the program loses the focus, what the keys held is let go: the
+// momentary buttons they hold are switched off and the spindles they pushed
+// spring back (their key-ups will go to another program).
+//
 // Discrete actions are written to the shell log ("key: deck A needle lift").
 // The windows are asked for at each key, so keys arriving while the windows
 // are torn down find none and do nothing. User-interface thread only.
@@ -22,6 +26,8 @@
 #include <array>
 #include <functional>
 #include <map>
+
+#include <QObject>
 
 #include "app/KeyMaps.h"
 #include "app/KeySource.h"
@@ -57,6 +63,9 @@ class KeyboardControl {
     // How many polls of `key` have been served.
     int PolledCount(int key) const;
 
+    // Lets go of every button the keys hold and every spindle they pushed.
+    void ReleaseAll();
+
   private:
     void Nudge(const HeldAction& action, const KeyWindows& w);
     void Run(const KeyAction& action, const KeyWindows& w);
@@ -71,6 +80,8 @@ class KeyboardControl {
     std::map<int, int> polled_;
     // The momentary buttons a key press holds, per deck.
     std::array<std::array<bool, 4>, 2> heldByKey_{};
+    std::array<bool, 2> spindleByKey_{};
+    QObject context_;  // for the application's focus signal
 };
 
 // Adds step to the slide's value, clamped to the slide's range; nothing for a

@@ -13,6 +13,7 @@
 #include "TestSupport.h"
 #include "app/CMixoraDlg.h"
 #include "app/CRynKeyboard.h"
+#include "app/KeyReleaseSettle.h"
 #include "app/KeyboardControl.h"
 #include "app/ShellLog.h"
 #include "controls/CNiButton.h"
@@ -304,4 +305,42 @@ TEST_F(KeysThroughWindows, XAutoRepeatPairsKeepAKeyHeld) {
     EXPECT_TRUE(keys.IsDown('F'));  // not yet
     ASSERT_TRUE(testsupport::WaitFor([&] { return !keys.IsDown('F'); }, 1000));
     ASSERT_TRUE(testsupport::WaitFor([&] { return deckA_->Tempo().Spindle() == 0.0; }, 1000));
+}
+
+TEST_F(KeysThroughWindows, LosingTheFocusLetsGoOfWhatTheKeysHold) {
+    LoadDeckA();
+    QTest::keyClick(deckA_, Qt::Key_D, Qt::ControlModifier);
+    ASSERT_TRUE(testsupport::WaitFor([&] { return deckA_->NeedleDown(); }));
+    Press(Qt::Key_Control);
+    Press(Qt::Key_F, Qt::ControlModifier);
+    ASSERT_TRUE(testsupport::WaitFor([&] { return deckA_->IsReverse(); }));
+    Release(Qt::Key_Control);  // F stays down: the spindle is pushed
+    ASSERT_TRUE(testsupport::WaitFor([&] { return deckA_->Tempo().Spindle() > 0.0; }));
+
+    // The key-ups go to another program.
+    emit qApp->applicationStateChanged(Qt::ApplicationInactive);
+    EXPECT_FALSE(deckA_->IsReverse());
+    EXPECT_EQ(deckA_->Tempo().Spindle(), 0.0);
+    Hold(100);  // no poll moves anything any more
+    EXPECT_EQ(deckA_->Tempo().Spindle(), 0.0);
+}
+
+TEST(KeyReleaseSettle, ARepeatPairCancelsTheReleaseAndOtherReleasesArriveInOrder) {
+    KeyReleaseSettle settle;
+    QStringList got;
+    // Made by code (no time stamp): at once.
+    settle.Release('A', 0, [&] { got << "A up"; });
+    EXPECT_EQ(got, QStringList{"A up"});
+    // A release and a press with one time stamp: the key never went up.
+    settle.Release('B', 500, [&] { got << "B up"; });
+    EXPECT_TRUE(settle.Press('B', 500));
+    // A press with a later time stamp: the release was real and comes first.
+    settle.Release('C', 600, [&] { got << "C up"; });
+    EXPECT_FALSE(settle.Press('C', 640));
+    EXPECT_EQ(got, (QStringList{"A up", "C up"}));
+    // A lone release arrives once it has settled.
+    settle.Release('D', 700, [&] { got << "D up"; });
+    EXPECT_EQ(got.size(), 2);
+    ASSERT_TRUE(testsupport::WaitFor([&] { return got.size() == 3; }, 1000));
+    EXPECT_EQ(got.last(), "D up");
 }
