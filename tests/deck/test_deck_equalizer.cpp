@@ -153,3 +153,16 @@ TEST(DeckEqualizer, TheShowToggleFollowsTheWindowAndClosingItResetsTheToggle) {
     Click(toggle);
     EXPECT_FALSE(eq.isVisible());
 }
+
+TEST(DeckEqualizer, TheMainMixerSwitchesTheEqualizerTypeAndStoresIt) {
+    PlaybackRig rig(false, true);
+    CRynEqualizer& eq = rig.Equalizer(0);
+    SendAppMessage(rig.Mixer().Handle(), UWM_EQ_TYPE, 0, 0);
+    EXPECT_EQ(eq.Type(), CRynEqualizer::EqType::Device);
+    EXPECT_EQ(Settings().GetDeckEQType(0), 0);
+    SendAppMessage(rig.Mixer().Handle(), UWM_EQ_TYPE, 0, 1);
+    EXPECT_EQ(eq.Type(), CRynEqualizer::EqType::Own);
+    EXPECT_EQ(Settings().GetDeckEQType(0), 1);
+    // A deck that does not exist is ignored.
+    EXPECT_EQ(SendAppMessage(rig.Mixer().Handle(), UWM_EQ_TYPE, 5, 0), 0);
+}
