@@ -21,7 +21,7 @@ CNiSlide* PhonesSlide(CRynHeadphonesMixer* phones, HeldTarget target, int deck) 
 CNiSlide* EqualizerBandSlide(CRynEqualizer* equalizer, int band) {
     if (!equalizer || band < 0 || band > 11)
         return nullptr;
-    return equalizer->BandLevelSlide(band);
+    return equalizer->LevelSlide(band);
 }
 
 void TurntableKeyRelease(CRynDeck* deck) {
