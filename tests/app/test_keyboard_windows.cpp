@@ -21,6 +21,7 @@
 #include "core/EngineState.h"
 #include "deck/CRynDeck.h"
 #include "deck/tempo/DeckTempoPanel.h"
+#include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "platform/PlatformLayers.h"
@@ -146,6 +147,29 @@ TEST_F(KeysThroughWindows, CtrlTMovesTheHeadphonesLevelInsteadOfTheMainLevel) {
     Release(Qt::Key_Control);
     EXPECT_NEAR(fader->Value(), 0.02 * Polls('N'), 1e-9);
     EXPECT_FLOAT_EQ(Panel().CrossFader(), mainFader);
+}
+
+TEST_F(KeysThroughWindows, ZLowersDeckAsFirstEqualizerBandInItsEngines) {
+    CRynEqualizer* eq = deckA_->Equalizer();
+    ASSERT_NE(eq, nullptr);
+    ASSERT_NE(eq->LevelSlide(0), nullptr);
+    eq->LevelSlide(0)->SetValue(1.0);
+    Press(Qt::Key_Z);
+    ASSERT_TRUE(testsupport::WaitFor([&] { return Polls('Z') >= 4; }));
+    Release(Qt::Key_Z);
+    const double expected = 1.0 - 0.05 * Polls('Z');
+    EXPECT_NEAR(eq->LevelSlide(0)->Value(), expected, 1e-9);
+    // The slide drives the band: the engines that equalize the deck hear it.
+    EXPECT_NEAR(eq->Engines().Level(0), expected, 1e-5);
+
+    // Ctrl silences the equalizer keys.
+    const double before = eq->LevelSlide(0)->Value();
+    Press(Qt::Key_Control);
+    Press(Qt::Key_A, Qt::ControlModifier);
+    Hold(150);
+    Release(Qt::Key_A, Qt::ControlModifier);
+    Release(Qt::Key_Control);
+    EXPECT_DOUBLE_EQ(eq->LevelSlide(0)->Value(), before);
 }
 
 TEST_F(KeysThroughWindows, ShiftFStepsTheTempoAndPlainFPushesTheSpindleThatSpringsBack) {
