@@ -275,7 +275,7 @@ void CRynPlayList::SetListMode(int mode) {
         QFont f = p.font();
         f.setPointSize(8);
         p.setFont(f);
-        p.setPen(QColor(20, 20, 20));
+        p.setPen(QColor(225, 225, 225));
         p.drawText(face.rect(), Qt::AlignCenter, QStringLiteral("CD Names"));
     }
     nameTagPath_->SetPicture(face);
