@@ -99,8 +99,14 @@ CddbAnswer LibCddbClient::Lookup(const CdToc& toc, const CddbServer& server) {
     answer.title = answer.artist.empty() ? title : answer.artist + " / " + title;
     const int count = cddb_disc_get_track_count(disc.get());
     for (int i = 0; i < count; ++i) {
-        const cddb_track_t* t = cddb_disc_get_track(disc.get(), i);
-        answer.trackTitles.push_back(t != nullptr ? Text(cddb_track_get_title(t)) : std::string());
+        cddb_track_t* t = cddb_disc_get_track(disc.get(), i);
+        std::string title = t != nullptr ? Text(cddb_track_get_title(t)) : std::string();
+        // A compilation's "Artist / Title" track line is split by libcddb too;
+        // a track artist other than the disc's goes back in front.
+        const std::string artist = t != nullptr ? Text(cddb_track_get_artist(t)) : std::string();
+        if (!artist.empty() && artist != answer.artist)
+            title = artist + " / " + title;
+        answer.trackTitles.push_back(std::move(title));
     }
     return answer;
 }

@@ -145,6 +145,11 @@ void CRynPlayList::CheckNames() {
     const int drive = Engine().decks[deck_].cdDrive.load();
     showNames_ = drive >= 0 && cdnames::NamesFound(*cd_, drive) &&
                  cd::CddbDiscId(cdnames::TocOf(*cd_, drive)) == namesDiscId_;
+    if (showNames_)
+        setWindowTitle(QString::fromStdString(cdnames::DiscArtist(*cd_, drive) + " //" +
+                                              cdnames::DiscTitle(*cd_, drive)));
+    else
+        SetModeTitle();
 }
 
 bool CRynPlayList::FillOneRow() {
@@ -157,12 +162,6 @@ bool CRynPlayList::FillOneRow() {
     }
     if (r == list_.Count()) {
         IconsChanged();
-        if (showNames_) {
-            const int drive = Engine().decks[deck_].cdDrive.load();
-            if (drive >= 0)
-                setWindowTitle(QString::fromStdString(cdnames::DiscArtist(*cd_, drive) + " //" +
-                                                      cdnames::DiscTitle(*cd_, drive)));
-        }
         return false;
     }
     rows_->addTopLevelItem(MakeRow(r));
