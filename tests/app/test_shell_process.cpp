@@ -5,6 +5,7 @@
 
 #include "TestSupport.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcessEnvironment>
@@ -193,4 +194,41 @@ TEST(ShellProcess, HelpAndVersionNeedNoDisplay) {
     const Outcome version = RunMixora({"--version"}, {"QT_QPA_PLATFORM=none-such", "DISPLAY="});
     EXPECT_EQ(version.exitCode, 0);
     EXPECT_EQ(version.output.trimmed(), "mixora " MIXORA_VERSION);
+}
+
+TEST(ShellProcess, ADefaultListMadeInOneRunIsThereAfterARestart) {
+    REQUIRE_PROGRAM();
+    QTemporaryDir data;
+    const QString tone = testsupport::MakeTone("shell-list-tone.wav", 330, 2);
+    ASSERT_FALSE(tone.isEmpty());
+    const QString dataDir = QStringLiteral("MIXORA_DATA_DIR=") + data.path();
+    const QString list = data.path() + "/DeckAPlayList.m3u";
+
+    // First run: the file given to deck A goes into its list, saved at shutdown.
+    ExpectFullRun(RunMixora({tone}, {"MIXORA_AUTOTEST=close-mixer", dataDir}));
+    QFile first(list);
+    ASSERT_TRUE(first.open(QIODevice::ReadOnly));
+    const QString saved = QString::fromUtf8(first.readAll());
+    first.close();
+    EXPECT_TRUE(saved.startsWith("#EXTM3U\n")) << saved.toStdString();
+    EXPECT_TRUE(saved.contains("\n" + tone + "\n")) << saved.toStdString();
+
+    // A hand-added entry and an old date: the second run must read the list
+    // (at File mode) and write it back (at shutdown) with both entries.
+    ASSERT_TRUE(first.open(QIODevice::Append));
+    first.write("#EXTINF:5,Hand Added\n/music/hand added.mp3\n");
+    first.close();
+    const QDateTime old = QDateTime::currentDateTime().addDays(-30);
+    ASSERT_TRUE(first.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(first.setFileTime(old, QFileDevice::FileModificationTime));
+    first.close();
+
+    ExpectFullRun(RunMixora({}, {"MIXORA_AUTOTEST=close-mixer", dataDir}));
+    QFile second(list);
+    ASSERT_TRUE(second.open(QIODevice::ReadOnly));
+    EXPECT_GT(QFileInfo(list).lastModified(), old.addDays(1));
+    const QString again = QString::fromUtf8(second.readAll());
+    EXPECT_TRUE(again.contains("\n" + tone + "\n")) << again.toStdString();
+    EXPECT_TRUE(again.contains("#EXTINF:5,Hand Added\n/music/hand added.mp3\n"))
+        << again.toStdString();
 }

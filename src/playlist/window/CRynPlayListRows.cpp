@@ -165,6 +165,10 @@ bool CRynPlayList::FillOneRow() {
         return false;
     }
     rows_->addTopLevelItem(MakeRow(r));
+    if (r == selected_)
+        SetSelection(r);  // the selection survives a rebuild
+    else
+        SetRowImage(r);
     return true;
 }
 
