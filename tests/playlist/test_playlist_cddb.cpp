@@ -5,12 +5,15 @@
 #include <gtest/gtest.h>
 
 #include <QElapsedTimer>
+#include <QLineEdit>
+#include <QSpinBox>
 #include <QTimer>
 #include <memory>
 
 #include "TestSupport.h"
 #include "core/EngineState.h"
 #include "playlist/window/CRynPlayList.h"
+#include "playlist/window/CddbServerDialog.h"
 #include "settings/CRynSettings.h"
 #include "sources/CRynCdAudio.h"
 #include "sources/CddbTestServer.h"
@@ -118,4 +121,24 @@ TEST(PlayListCddb, AServerThatNeverAnswersLeavesTheTrackNamesAndTheWindowWorking
     EXPECT_EQ(rig.window->RowText(0), "Track 1");
     EXPECT_EQ(rig.window->RowText(11), "Track 12");
     EXPECT_EQ(rig.window->windowTitle(), "Deck A Play List (CD Mode)");
+}
+
+TEST(PlayListCddb, TheServerDialogShowsAndStoresTheSettings) {
+    ServerSettings keep(8880, 7);
+    const QString address = Settings().GetCddbUserAddress();
+    {
+        CddbServerDialog dialog;
+        EXPECT_EQ(dialog.HostField()->text(), "127.0.0.1");
+        EXPECT_EQ(dialog.PortField()->value(), 8880);
+        EXPECT_EQ(dialog.TimeoutField()->value(), 7);
+        dialog.HostField()->setText(QStringLiteral(" cddb.example.org "));
+        dialog.PortField()->setValue(8080);
+        dialog.AddressField()->setText(QString());  // empty: the stored one stays
+        dialog.TimeoutField()->setValue(3);
+        dialog.Store();
+    }
+    EXPECT_EQ(Settings().GetCddbServer(), "cddb.example.org");
+    EXPECT_EQ(Settings().GetCddbServerPort(), 8080);
+    EXPECT_EQ(Settings().GetCddbUserAddress(), address);
+    EXPECT_EQ(Settings().GetCddbTimeoutSeconds(), 3);
 }

@@ -17,6 +17,7 @@
 #include "platform/cd/LibCddbClient.h"
 #include "playlist/DefaultPlayList.h"
 #include "playlist/window/CRynCEdit.h"
+#include "playlist/window/CddbServerDialog.h"
 #include "sources/AudioFormats.h"
 #include "sources/CdNames.h"
 #include "sources/DurationProbe.h"
@@ -152,6 +153,11 @@ void CRynPlayList::WireControls() {
     deferOnLeft(addFolder_, kAddFolderTimer);
     deferOnLeft(addList_, kAddListTimer);
     deferOnLeft(saveAs_, kSaveAsTimer);
+    // In CD mode a right click on the name button sets the CDDB server.
+    connect(nameTagPath_, &CNiControl::mouseDown, this, [this](int button, int, QPoint) {
+        if (button == CNiControl::kRightButton && mode_ == PlayList::kCdMode)
+            EditCddbServer();
+    });
     // Delete takes any mouse button; a held Shift, Ctrl or Alt deletes all.
     connect(delete_, &CNiControl::mouseDown, this,
             [this](int, int shift, QPoint) { DeleteItem(shift); });
@@ -279,7 +285,8 @@ void CRynPlayList::SetListMode(int mode) {
         p.drawText(face.rect(), Qt::AlignCenter, QStringLiteral("CD Names"));
     }
     nameTagPath_->SetPicture(face);
-    nameTagPath_->setToolTip(QStringLiteral("look the disc's names up"));
+    nameTagPath_->setToolTip(
+        QStringLiteral("look the disc's names up (right click: the CDDB server)"));
     ShowModeGroup();
     RebuildRows();
 }
@@ -399,6 +406,14 @@ void CRynPlayList::ShowSaveAsDialog() {
     LatencyBack();
     if (!file.isEmpty())
         SaveListAs(file);
+}
+
+void CRynPlayList::EditCddbServer() {
+    if (deckWindow_)
+        SendAppMessage(deckWindow_, UWM_LATENCY_MAXIMUM, deck_, 0);
+    CddbServerDialog dialog(this);
+    dialog.exec();
+    LatencyBack();
 }
 
 void CRynPlayList::ShowMessage(const QString& text) {

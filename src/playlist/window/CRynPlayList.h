@@ -16,7 +16,8 @@
 // ("Tag") or the full path ("Path"), as the name/tag/path button's caption
 // says; the deck's default list is loaded when File mode is set and saved
 // when the deck goes to CD mode and at shutdown. In CD mode the caption is
-// empty, the button looks the disc's names up on the CDDB server, and the
+// empty, the button looks the disc's names up on the CDDB server (a right
+// click sets the server: CddbServerDialog), and the
 // rows show the track titles once found (the window title then shows the
 // disc artist, " //" and the disc title).
 //
@@ -190,6 +191,7 @@ class CRynPlayList : public CRynWindow, public PlayListView {
     void ShowAddListDialog();
     void ShowSaveAsDialog();
     void ShowMessage(const QString& text);
+    void EditCddbServer();
     void ReportLoad(const ListLoadResult& result, const std::string& file);
 
     QString RowTextFor(int row);
