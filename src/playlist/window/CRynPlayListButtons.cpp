@@ -112,10 +112,9 @@ void CRynPlayList::AddFiles(const QStringList& files) {
             InsertRow(list_.Count() - 1);
         }
     }
-    // The mark moves to the row before the one selected before the dialog.
-    selected_ = -1;
+    // The mark moves to the row before the one selected before the dialog
+    // (the formerly selected row, moved down by the insertions, is redrawn).
     SetSelection(at >= 1 ? at - 1 : -1);
-    IconsChanged();
     EnsureFilling();
     PostTrackNumber();
 }
