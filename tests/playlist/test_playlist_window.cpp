@@ -201,18 +201,27 @@ TEST(PlayListWindow, DisplayModesCycleTagPathName) {
     rig.window->SetListMode(PlayList::kFileMode);
     EXPECT_EQ(rig.window->windowTitle(), "Deck A Play List (File Mode)");
     EXPECT_EQ(rig.window->DisplayMode(), "Name");
+    // A file whose ID3v1 tag names it: 200 bytes of sound, then the tag.
+    QTemporaryDir dir;
+    const std::string tagged = dir.path().toStdString() + "/three.mp3";
+    std::string bytes(200, '\x55');
+    std::string tag = "TAGTagged Title";
+    tag.resize(128, '\0');
+    ASSERT_TRUE(playlisttest::WriteText(tagged, bytes + tag));
     rig.List().Add("/music/one.mp3", "The One", kUnknownDuration, 0);
     rig.List().Add("/music/two.mp3", "", kUnknownDuration, 0);
+    rig.List().Add(tagged, "", kUnknownDuration, 0);
     rig.window->RebuildRows();
     rig.FillRows();
-    EXPECT_EQ(rig.Texts(), QStringList({"one", "two"}));
+    EXPECT_EQ(rig.Texts(), QStringList({"one", "two", "three"}));
     rig.window->NameTagPath();
     EXPECT_EQ(rig.window->DisplayMode(), "Tag");
     rig.FillRows();
-    EXPECT_EQ(rig.Texts(), QStringList({"The One", "two"}));
+    EXPECT_EQ(rig.Texts(), QStringList({"The One", "two", "Tagged Title"}));
     rig.window->NameTagPath();
     rig.FillRows();
-    EXPECT_EQ(rig.Texts(), QStringList({"/music/one.mp3", "/music/two.mp3"}));
+    EXPECT_EQ(rig.Texts(),
+              QStringList({"/music/one.mp3", "/music/two.mp3", QString::fromStdString(tagged)}));
     rig.window->NameTagPath();
     EXPECT_EQ(rig.window->DisplayMode(), "Name");
 }

@@ -86,11 +86,6 @@ void CRynPlayList::NameTagPath() {
     else if (caption == QLatin1String("Path"))
         next = QStringLiteral("Name");
     nameTagPath_->SetCaption(next);
-    if (next == QLatin1String("Tag")) {
-        // Tag titles come from the files themselves.
-        for (int i = 0; i < list_.Count(); ++i)
-            list_.TagTitle(i);
-    }
     const int keep = selected_;
     RebuildRows();
     selected_ = keep;

@@ -105,7 +105,9 @@ QString CRynPlayList::RowTextFor(int row) {
         return QString::fromStdString(list_.FileTitle(row));
     }
     if (caption == QLatin1String("Tag")) {
-        std::string title = list_.Title(row);
+        // The file's own tag, read as its row is filled (one file a tick);
+        // a file without one keeps the title its list gave it.
+        std::string title = list_.TagTitle(row);
         if (title.empty())
             title = list_.FileTitle(row);
         return QString::fromStdString(title);
