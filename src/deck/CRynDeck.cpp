@@ -119,6 +119,8 @@ void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlay
 
 void CRynDeck::SetCdAudio(CRynCdAudio* cd) {
     cd_ = cd;
+    if (playList_)
+        playList_->SetCdAudio(cd);  // for the disc's names
     if (source_) {
         // The source is rebuilt around the reader; nothing is loaded yet.
         Disc().SetSource(nullptr);

@@ -14,6 +14,7 @@
 #include "deck/source/DeckSource.h"
 #include "deck/transport/DeckTransport.h"
 #include "playlist/PlayList.h"
+#include "playlist/window/CRynPlayList.h"
 #include "settings/CRynSettings.h"
 #include "sources/AudioFormats.h"
 #include "sources/CRynCdAudio.h"
@@ -270,7 +271,12 @@ void CRynDeck::SetDeckMode(int mode) {
         SetTrackName(QString::fromLatin1(DeckSource::kNoFile));
         SetTransportEnabled(false);
         eject_->setEnabled(true);
+        if (playList_)
+            playList_->SetListMode(1);  // the deck's default list comes back
     } else {
+        // The File mode list is saved as the default list before the disc replaces it.
+        if (playList_)
+            playList_->SetListMode(0);
         source_->SetMode(DeckSource::kCdMode);
         modeButton_->SetCaption(QStringLiteral("CD"));
         SendAppMessage(mainMixer_, UWM_ASSIGN_CD_DRIVE, deck_, -1);

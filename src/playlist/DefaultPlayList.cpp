@@ -1,5 +1,7 @@
 #include "playlist/DefaultPlayList.h"
 
+#include <QDir>
+
 #include "core/Paths.h"
 
 std::string DefaultListPath(int deck) {
@@ -12,5 +14,6 @@ ListLoadResult LoadDefaultList(PlayList& list, int deck) {
 }
 
 ListFileStatus SaveDefaultList(PlayList& list, int deck) {
+    QDir().mkpath(DataDir());  // the first save of a new user makes the folder
     return list.Save(DefaultListPath(deck), ".m3u");
 }

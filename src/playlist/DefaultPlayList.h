@@ -13,5 +13,6 @@ std::string DefaultListPath(int deck);
 // missing file (first run) leaves the list empty and reports CannotOpen.
 ListLoadResult LoadDefaultList(PlayList& list, int deck);
 
-// Shutdown in File mode: saves the list as the deck's default M3U (atomically).
+// Shutdown in File mode: saves the list as the deck's default M3U (atomically),
+// making the data folder when it is missing.
 ListFileStatus SaveDefaultList(PlayList& list, int deck);

@@ -81,7 +81,13 @@
     ONE (TitleBarsOnState,                "titleBarsOnState",                Flag,   true)          \
     /* Tip of the day. */                                                                         \
     ONE (ShowTipOfTheDay,                 "showTipOfTheDay",                 Flag,   true)          \
-    ONE (TipOfTheDayIndex,                "tipOfTheDayIndex",                Number, 0)
+    ONE (TipOfTheDayIndex,                "tipOfTheDayIndex",                Number, 0)             \
+    /* CD track names: the CDDB server (CDDB over HTTP on its port), the user's address sent  */ \
+    /* with every query, and the seconds a lookup waits on each step before it gives up.     */ \
+    ONE (CddbServer,                      "cddbServer",                      Text,   "gnudb.gnudb.org") \
+    ONE (CddbServerPort,                  "cddbServerPort",                  Number, 80)            \
+    ONE (CddbUserAddress,                 "cddbUserAddress",                 Text,   "mixora@localhost") \
+    ONE (CddbTimeoutSeconds,              "cddbTimeoutSeconds",              Number, 10)
 // clang-format on
 
 enum class SettingType { Flag, Number, Real, Text };

@@ -55,13 +55,16 @@ void DurationProbe::Run() {
             std::lock_guard<std::mutex> lock(nameMutex_);
             name = fileName_;
         }
+        bool measured = false;
         {
             CRynFileDecoder decoder;
             if (decoder.Open(name)) {
                 result_.store(static_cast<float>(decoder.DurationSeconds()));
                 decoder.Close();
+                measured = true;
             }
         }
+        measured_.store(measured ? 1 : 0);
         done_.store(1);
     }
 }

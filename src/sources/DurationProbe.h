@@ -49,6 +49,9 @@ class DurationProbe {
     }
     bool IsDone() const { return done_.load() != 0; }
     float Result() const { return result_.load(); }  // seconds; -1 before any result
+    // Whether the request that set done opened its file (Result() is then its
+    // duration); false when the file could not be opened.
+    bool Measured() const { return measured_.load() != 0; }
     void ClearDone() { done_.store(0); }
 
   private:
@@ -61,5 +64,6 @@ class DurationProbe {
     std::string fileName_;
     std::atomic<float> result_{-1.0f};
     std::atomic<std::int32_t> done_{0};
+    std::atomic<std::int32_t> measured_{0};
     std::thread thread_;
 };

@@ -5,6 +5,7 @@
 
 #include "TestSupport.h"
 
+#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcessEnvironment>
@@ -14,6 +15,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
+#include <functional>
 #include <vector>
 
 namespace {
@@ -30,7 +33,10 @@ struct Outcome {
 // Runs the program with fork and exec (not QProcess: Qt starts children with
 // a raw clone that ThreadSanitizer cannot follow, which scrambles its records
 // of this process in sanitizer builds). Output and errors are collected.
-Outcome RunMixora(const QStringList& args, const QStringList& env) {
+// `whileRunning`, when given, is called with the child's id and its log path
+// once it has started (it may kill the child).
+Outcome RunMixora(const QStringList& args, const QStringList& env,
+                  const std::function<void(pid_t, const QString&)>& whileRunning = nullptr) {
     QTemporaryDir dir;
     const QString logPath = dir.path() + "/shell.log";
     QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
@@ -71,6 +77,8 @@ Outcome RunMixora(const QStringList& args, const QStringList& env) {
         _exit(127);
     }
     close(out[1]);
+    if (whileRunning && pid > 0)
+        whileRunning(pid, logPath);
     QByteArray output;
     char buffer[4096];
     for (;;) {
@@ -215,4 +223,101 @@ TEST(ShellProcess, EqualizerSettingsChangedInOneRunAreInTheWindowsAfterTheNext) 
     EXPECT_EQ(Matching(fresh.log, "equalizer "),
               QStringList({"equalizer A bands 3 designed 3 filter Hanning AC on EQ off",
                            "equalizer B bands 3 designed 3 filter Hanning AC on EQ off"}));
+}
+
+TEST(ShellProcess, ADefaultListMadeInOneRunIsThereAfterARestart) {
+    REQUIRE_PROGRAM();
+    QTemporaryDir data;
+    const QString tone = testsupport::MakeTone("shell-list-tone.wav", 330, 2);
+    ASSERT_FALSE(tone.isEmpty());
+    const QString dataDir = QStringLiteral("MIXORA_DATA_DIR=") + data.path();
+    const QString list = data.path() + "/DeckAPlayList.m3u";
+
+    // First run: the file given to deck A goes into its list, saved at shutdown.
+    ExpectFullRun(RunMixora({tone}, {"MIXORA_AUTOTEST=close-mixer", dataDir}));
+    QFile first(list);
+    ASSERT_TRUE(first.open(QIODevice::ReadOnly));
+    const QString saved = QString::fromUtf8(first.readAll());
+    first.close();
+    EXPECT_TRUE(saved.startsWith("#EXTM3U\n")) << saved.toStdString();
+    EXPECT_TRUE(saved.contains("\n" + tone + "\n")) << saved.toStdString();
+
+    // A hand-added entry and an old date: the second run must read the list
+    // (at File mode) and write it back (at shutdown) with both entries.
+    ASSERT_TRUE(first.open(QIODevice::Append));
+    first.write("#EXTINF:5,Hand Added\n/music/hand added.mp3\n");
+    first.close();
+    const QDateTime old = QDateTime::currentDateTime().addDays(-30);
+    ASSERT_TRUE(first.open(QIODevice::ReadWrite));
+    ASSERT_TRUE(first.setFileTime(old, QFileDevice::FileModificationTime));
+    first.close();
+
+    ExpectFullRun(RunMixora({}, {"MIXORA_AUTOTEST=close-mixer", dataDir}));
+    QFile second(list);
+    ASSERT_TRUE(second.open(QIODevice::ReadOnly));
+    EXPECT_GT(QFileInfo(list).lastModified(), old.addDays(1));
+    const QString again = QString::fromUtf8(second.readAll());
+    EXPECT_TRUE(again.contains("\n" + tone + "\n")) << again.toStdString();
+    EXPECT_TRUE(again.contains("#EXTINF:5,Hand Added\n/music/hand added.mp3\n"))
+        << again.toStdString();
+}
+
+TEST(ShellProcess, AKillDuringTheShutdownSaveLeavesTheDefaultListWhole) {
+    REQUIRE_PROGRAM();
+    QTemporaryDir data;
+    const QString tone = testsupport::MakeTone("shell-kill-tone.wav", 330, 2);
+    ASSERT_FALSE(tone.isEmpty());
+    const QString list = data.path() + "/DeckAPlayList.m3u";
+    // A long default list, so that the save at shutdown takes a while.
+    constexpr int kEntries = 20000;
+    QByteArray text = "#EXTM3U\n";
+    for (int i = 0; i < kEntries; ++i)
+        text += "#EXTINF:200,Entry " + QByteArray::number(i) + "\n/music/long/entry " +
+                QByteArray::number(i) + ".mp3\n";
+    QFile out(list);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    out.write(text);
+    out.close();
+
+    // From the first lamp of the decks' shutdown, where deck A's list is saved
+    // (a save of this list takes about 100 ms): before, during and after it.
+    const int kDelaysMs[] = {0, 30, 60, 90, 120, 150, 180};
+    int killedInShutdown = 0;
+    for (int round = 0; round < 7; ++round) {
+        // The file on the command line joins the list: the save writes kEntries + 1.
+        const Outcome o =
+            RunMixora({tone}, {"MIXORA_AUTOTEST=close-mixer", "MIXORA_DATA_DIR=" + data.path()},
+                      [&](pid_t pid, const QString& logPath) {
+                          for (int i = 0; i < 3000; ++i) {
+                              QFile log(logPath);
+                              if (log.open(QIODevice::ReadOnly) &&
+                                  log.readAll().contains("shutdown lamp 2")) {
+                                  ++killedInShutdown;
+                                  break;
+                              }
+                              usleep(2000);
+                          }
+                          usleep(static_cast<useconds_t>(kDelaysMs[round] * 1000));
+                          kill(pid, SIGKILL);
+                      });
+        (void)o;  // killed, or (late rounds on a fast machine) ended by itself
+        QFile in(list);
+        ASSERT_TRUE(in.open(QIODevice::ReadOnly)) << "round " << round;
+        const QList<QByteArray> lines = in.readAll().split('\n');
+        ASSERT_FALSE(lines.isEmpty());
+        EXPECT_EQ(lines.first(), "#EXTM3U");
+        // Header, two lines an entry, and the empty text after the last line end.
+        const int entries = static_cast<int>(lines.size() - 2) / 2;
+        EXPECT_TRUE(entries == kEntries || entries == kEntries + 1)
+            << "round " << round << ": " << entries << " entries";
+        EXPECT_EQ(lines.last(), "");
+        EXPECT_TRUE(lines[lines.size() - 2].endsWith(".mp3") ||
+                    lines[lines.size() - 2].endsWith(".wav"));
+        // Put the long list back for the next round.
+        in.close();
+        ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+        out.write(text);
+        out.close();
+    }
+    EXPECT_GT(killedInShutdown, 0);
 }

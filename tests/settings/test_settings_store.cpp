@@ -36,6 +36,10 @@ SettingsMap ExpectedFirstRun() {
         {"titleBarsOnState", n(1)},
         {"showTipOfTheDay", n(1)},
         {"tipOfTheDayIndex", n(0)},
+        {"cddbServer", t("gnudb.gnudb.org")},
+        {"cddbServerPort", n(80)},
+        {"cddbUserAddress", t("mixora@localhost")},
+        {"cddbTimeoutSeconds", n(10)},
     };
     for (const QString x : {"A", "B"}) {
         m.insert("mainMixerGraphTypeDeck" + x, t("Bars"));

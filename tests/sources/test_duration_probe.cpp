@@ -25,6 +25,7 @@ TEST(DurationProbe, MeasuresFilesAndReportsDone) {
     probe.Request(mp3.toStdString());
     ASSERT_TRUE(testsupport::WaitFor([&] { return probe.IsDone(); }));
     EXPECT_NEAR(probe.Result(), 3.0, 0.1);
+    EXPECT_TRUE(probe.Measured());
     probe.ClearDone();
 
     probe.Request(ogg.toStdString());
@@ -36,6 +37,7 @@ TEST(DurationProbe, MeasuresFilesAndReportsDone) {
     probe.Request("/nonexistent/mixora/gone.wav");
     ASSERT_TRUE(testsupport::WaitFor([&] { return probe.IsDone(); }));
     EXPECT_NEAR(probe.Result(), 7.5, 0.01);
+    EXPECT_FALSE(probe.Measured());  // the result is not this file's
     probe.ClearDone();
     probe.Request(mediafixtures::TextFile("dp_notes.mp3", "liner notes").toStdString());
     ASSERT_TRUE(testsupport::WaitFor([&] { return probe.IsDone(); }));
