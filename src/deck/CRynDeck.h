@@ -11,6 +11,7 @@
 //   CRynDeck.cpp           controls, wiring, messages, timers
 //   CRynDeckTurntable.cpp  turntable and needle, reverse, wind, reposition, the
 //                          progress slide, the time display, track ended
+//   CRynDeckPlatter.cpp    the platter: its panel, timers 13 and 17
 //   CRynDeckLoading.cpp    loading, previous/next, end of track, eject, CD
 //                          drive selection, deck mode
 //
@@ -40,6 +41,8 @@ class CRynFileDecoder;
 class CRynPlayList;
 class DeckSource;
 class DeckTempoPanel;
+class DeckTurntablePanel;
+class TurntableController;
 class DeckTransport;
 class PlayList;
 class QComboBox;
@@ -59,6 +62,7 @@ class CRynDeck : public CRynWindow {
     static constexpr int kProgressTimer = 11;    // 50 ms: progress slide follows play
     static constexpr int kTimeTimer = 14;        // 500 ms: time display
     static constexpr int kFileDialogTimer = 15;  // 750 ms once: the eject file dialog
+    static constexpr int kSpinTimer = 13;        // 50 ms while reading: the platter spins
     static constexpr int kTurntableTimer = 17;   // 300 ms: turntable picture
 
     // Progress slide colours: grey, and red for the end-of-track blink.
@@ -87,6 +91,9 @@ class CRynDeck : public CRynWindow {
     DeckTransport& Transport() { return *transport_; }
     CRynDiscBuffer& Disc();
     DeckTempoPanel& Tempo() { return *tempo_; }
+    // The platter (CRynDeckPlatter.cpp), from Initialise on.
+    TurntableController& Turntable();
+    DeckTurntablePanel* TurntablePanel() const { return turntable_; }
 
     // The deck's two colours: `which` 0 is its main colour, 1 its dark shade.
     QColor Colour(int which) const;
@@ -112,6 +119,11 @@ class CRynDeck : public CRynWindow {
     void ProgressTick();
     bool Rotating() const;
     bool NeedleDown() const;
+
+    // --- Platter (CRynDeckPlatter.cpp) ---
+    // Timer 13: while the needle is up and the turntable rotates, the platter
+    // turns with the disc buffer's fill.
+    void SpinTick();
 
     // --- Loading (CRynDeckLoading.cpp) ---
     // The play list's current entry into the source: 0, or -1 on failure.
@@ -176,6 +188,8 @@ class CRynDeck : public CRynWindow {
 
   private:
     void BuildControls();
+    void BuildTurntable(class QGridLayout* grid);
+    void WireTurntable();
     void WireControls();
     void SetTrackName(const QString& text);
     void SetTransportEnabled(bool on);  // all eight transport buttons
@@ -242,6 +256,7 @@ class CRynDeck : public CRynWindow {
     QLabel* timeDisplay_ = nullptr;
     QComboBox* drives_ = nullptr;
     DeckTempoPanel* tempo_ = nullptr;
+    DeckTurntablePanel* turntable_ = nullptr;
 
     std::function<QStringList()> fileDialog_;
 };
