@@ -448,7 +448,7 @@ void CRynDeck::OnWindowTimer(int id) {
             SpinTick();
             break;
         case kTurntableTimer:
-            Turntable().DragUpdate();
+            Turntable().DragUpdate(true);
             break;
         default:
             break;

@@ -92,9 +92,11 @@ int CRynDiscBuffer::FillBlock(int outputSlot, std::uint8_t* dest) {
 bool CRynDiscBuffer::NoteForwardCursors(int playCursorBytes, int writeCursorBytes, bool dragging) {
     const int playSlot = playCursorBytes / kBlockBytes;
     const int writeSlot = writeCursorBytes / kBlockBytes;
+    // The blocks ahead keep the mix cycle writing even while the platter is
+    // dragged; only the LEDs and the reader priority wait for the hand.
+    stats_.SetForwardPositions(playSlot, writeSlot, shared_.latencyBlocks.load(),
+                               &shared_.blocksAheadCopy);
     if (!dragging) {
-        stats_.SetForwardPositions(playSlot, writeSlot, shared_.latencyBlocks.load(),
-                                   &shared_.blocksAheadCopy);
         bool changed = false;
         // Fresh data low LED follows the information window's state.
         if (leds_.freshDataLow && !stats_.FreshDataLow()) {

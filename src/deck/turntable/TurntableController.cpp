@@ -70,6 +70,7 @@ void TurntableController::LeftDown() {
     grabAngle_ = playAngle_;
     grabbed_ = true;
     still_ = false;
+    movedSinceTick_ = false;
     if (mode_ == kDrag) {
         scratchTravel_ = 0;
     } else {
@@ -130,7 +131,7 @@ void TurntableController::RightUp() {
     hold_ = false;  // right click: exit loop
 }
 
-void TurntableController::DragUpdate() {
+void TurntableController::DragUpdate(bool fromTimer) {
     if (!IsPlaying() || !grabbed_)
         return;
     const CNiKnob* knob = ActiveKnob();
@@ -146,7 +147,9 @@ void TurntableController::DragUpdate() {
         firstSampleTaken_ = true;
     }
     const double delta = turntable::DragDelta(lastKnobValue_, value);
-    if (delta == 0.0) {
+    if (delta == 0.0 && fromTimer && movedSinceTick_) {
+        movedSinceTick_ = false;  // moved within this period: not still yet
+    } else if (delta == 0.0) {
         lastKnobValue_ = value;
         if (!still_) {
             // The hand holds the platter: the output it plays stops, once.
@@ -161,6 +164,7 @@ void TurntableController::DragUpdate() {
         }
         scratchTravel_ += delta;
         lastKnobValue_ = value;
+        movedSinceTick_ = true;
         if (delta < 0)
             SetWriting(false);
         lastDelta_ = delta;

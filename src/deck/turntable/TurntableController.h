@@ -61,8 +61,11 @@ class TurntableController {
     void LeftDown();
     void LeftUp(bool shift);
     void RightUp();
-    // The drag update: timer 17 and every pointer change.
-    void DragUpdate();
+    // The drag update: every pointer change (fromTimer false) and timer 17
+    // (true). Stillness is the knob unchanged since the last sample: at the
+    // grab, or over a whole timer period (a tick that follows a move within
+    // its period does not count as the hand holding still).
+    void DragUpdate(bool fromTimer = false);
     // The keyboard's release: a left release without shift at the knob's
     // value, without applying the tempo.
     void KeyboardRelease();
@@ -121,6 +124,7 @@ class TurntableController {
     bool firstSampleTaken_ = false;
     int activeKnob_ = 1;
     bool still_ = false;
+    bool movedSinceTick_ = false;
     bool writing_ = true;
     double scratchTravel_ = 0;
     double grabAngle_ = 0;

@@ -139,7 +139,7 @@ TEST_F(TurntableTest, HoldingStillStopsTheOutputOnceAndMovingRestartsItOnce) {
     Knob()->SetValue(0.4);                       // the press; the pointer change samples it
     EXPECT_EQ(host.Count(UWM_FORWARD_PLAY), 1);  // still: stopped
     for (int i = 0; i < 5; ++i)
-        C().DragUpdate();  // timer 17 while still
+        C().DragUpdate(true);  // timer 17 while still
     EXPECT_EQ(host.Count(UWM_FORWARD_PLAY), 1);
     EXPECT_TRUE(C().Still());
     EXPECT_EQ(platterBlocks, 48);
@@ -154,11 +154,15 @@ TEST_F(TurntableTest, HoldingStillStopsTheOutputOnceAndMovingRestartsItOnce) {
     ASSERT_FALSE(reverseCalls.empty());
     EXPECT_FALSE(reverseCalls.back());
 
-    // Backwards: reverse on, writing paused; still again stops the reverse output.
+    // Backwards: reverse on, writing paused. A tick right after the move is
+    // not stillness; a whole period without a move is, and stops the
+    // reverse output.
     Knob()->SetValue(0.45);
     EXPECT_TRUE(reverseCalls.back());
     EXPECT_FALSE(C().Writing());
-    C().DragUpdate();
+    C().DragUpdate(true);
+    EXPECT_EQ(host.Count(UWM_REVERSE_PLAY), 0);
+    C().DragUpdate(true);
     EXPECT_EQ(host.Count(UWM_REVERSE_PLAY), 1);
     EXPECT_EQ(host.got.back().l, 0);
     Knob()->SetValue(0.40);
