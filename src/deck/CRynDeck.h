@@ -124,6 +124,9 @@ class CRynDeck : public CRynWindow {
     // Timer 13: while the needle is up and the turntable rotates, the platter
     // turns with the disc buffer's fill.
     void SpinTick();
+    // The needle lifts while playing backwards: the deck turns forwards
+    // again without touching the output (the host stops all of it).
+    void EndReverseQuietly();
 
     // --- Loading (CRynDeckLoading.cpp) ---
     // The play list's current entry into the source: 0, or -1 on failure.

@@ -2,6 +2,7 @@
 // what its controller asks of the deck, and timers 13 (spin while the
 // needle is up) and 17 (drag update while it is down).
 #include <QGridLayout>
+#include <QSignalBlocker>
 
 #include "controls/CNiButton.h"
 #include "deck/CRynDeck.h"
@@ -45,4 +46,13 @@ void CRynDeck::WireTurntable() {
 void CRynDeck::SpinTick() {
     if (Rotating() && !NeedleDown())
         Turntable().Spin();
+}
+
+void CRynDeck::EndReverseQuietly() {
+    if (!transport_->IsReverse())
+        return;
+    // The host's stop takes the reverse output down with the rest.
+    const QSignalBlocker quiet(direction_);
+    direction_->SetValue(false);
+    transport_->SetReverse(false);
 }

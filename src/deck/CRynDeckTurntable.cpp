@@ -66,6 +66,7 @@ void CRynDeck::DropNeedle() {
 }
 
 void CRynDeck::LiftNeedle() {
+    EndReverseQuietly();
     DeckSharedState& shared = Engine().decks[deck_];
     shared.freshDataLow.store(0);
     dropLift_->SetCaption(QStringLiteral("drop"));

@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
+#include <algorithm>
 #include <cstring>
 
 #include "DeckRig.h"
@@ -166,4 +167,32 @@ TEST(DeckReverse, HeldTenSecondsInTheMiddleOfACdTrackPlaysItBackwards) {
     WaitFor([] { return false; }, 200);
     ASSERT_TRUE(rig.Drop(0));
     HoldReverseTenSeconds(rig, pcm, frames / 2);
+}
+
+TEST(DeckReverse, LiftingTheNeedleWhilePlayingBackwardsTurnsTheDeckForwards) {
+    const QString path = QDir(testsupport::FixtureDir()).filePath("reverse-lift.wav");
+    ASSERT_FALSE(testsupport::WriteWav(path, 44100, 10 * 44100, testsupport::NoiseSample).empty());
+    PlaybackRig rig;
+    CRynDeck& deck = rig.Deck(0);
+    ASSERT_TRUE(rig.LoadAndPrime(0, {path}));
+    ASSERT_TRUE(rig.Drop(0));
+    ASSERT_TRUE(rig.RenderBlocks(40));
+    deck.DirectionButton()->SetValue(true);
+    ASSERT_TRUE(deck.IsReverse());
+    EXPECT_EQ(Engine().decks[0].backwardReaderRun.load(), 1);
+    ASSERT_TRUE(rig.RenderBlocks(10));
+
+    deck.LiftNeedle();
+    EXPECT_FALSE(deck.IsReverse());
+    EXPECT_FALSE(deck.DirectionButton()->Value());
+    EXPECT_EQ(Engine().decks[0].backwardReaderRun.load(), 0);
+    ASSERT_TRUE(WaitFor([&] { return !rig.Mixer().MainOutput().IsReversePlaying(0); }));
+    // Down again: forwards, and the track goes on.
+    ASSERT_TRUE(rig.Drop(0));
+    const std::size_t before = rig.Output().size();
+    ASSERT_TRUE(rig.RenderBlocks(40));
+    const long sound = std::count_if(rig.Output().begin() + static_cast<long>(before),
+                                     rig.Output().end(), [](std::int16_t s) { return s != 0; });
+    EXPECT_GT(sound, 30L * 2 * kBlockFrames);
+    deck.StopTurntable();
 }
