@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "DeckRig.h"
+#include "FrameMatch.h"
 #include "TestSupport.h"
 #include "controls/CNiButton.h"
 #include "deck/CRynDeck.h"
@@ -23,44 +24,21 @@
 
 using testsupport::PlaybackRig;
 using testsupport::WaitFor;
+using namespace testsupport;
 
 namespace {
 
-constexpr long kFade = 2000;      // frames past a start's fade-in (and the stop's tail)
+constexpr long kFade = kFadeFrames;
 constexpr int kTenSeconds = 375;  // blocks of 1176 frames
 
-using Pcm = std::vector<std::int16_t>;
-
-bool FrameEq(const Pcm& out, long o, const Pcm& pcm, long f) {
-    return f >= 0 && 2 * f + 1 < static_cast<long>(pcm.size()) &&
-           2 * o + 1 < static_cast<long>(out.size()) && out[2 * o] == pcm[2 * f] &&
-           out[2 * o + 1] == pcm[2 * f + 1];
-}
-
-// The file frame that output frame `o` plays, searched in [lo, hi]: the one
-// from which 64 frames match going forwards (step +1) or backwards (-1).
-long Align(const Pcm& out, long o, const Pcm& pcm, long lo, long hi, int step) {
-    for (long f = lo; f <= hi; ++f) {
-        bool ok = true;
-        for (long i = 0; i < 64 && ok; ++i)
-            ok = FrameEq(out, o + i, pcm, f + step * i);
-        if (ok)
-            return f;
-    }
-    return -1;
-}
-
-// Output frames from `o` on, `count` of them, that do not match the file
-// from frame `f` in direction `step`.
-long Mismatches(const Pcm& out, long o, const Pcm& pcm, long f, long count, int step) {
-    long bad = 0;
-    for (long i = 0; i < count; ++i)
-        bad += !FrameEq(out, o + i, pcm, f + step * i);
-    return bad;
-}
-
-long Frames(const Pcm& out) {
-    return static_cast<long>(out.size() / 2);
+// To the middle of the loaded track with the needle up, then the needle down.
+bool DropInTheMiddle(PlaybackRig& rig) {
+    CRynDeck& deck = rig.Deck(0);
+    deck.Reposition(0.5);
+    if (!WaitFor([&] { return deck.Disc().ForwardFilledCount() > 150; }, 10000))
+        return false;
+    WaitFor([] { return false; }, 200);  // the rings rebuilt and primed
+    return rig.Drop(0);
 }
 
 // From a deck playing forwards in the middle of `pcm`: reverse held ten
@@ -119,13 +97,8 @@ TEST(DeckReverse, HeldTenSecondsInTheMiddleOfAFilePlaysItBackwards) {
     ASSERT_FALSE(pcm.empty());
 
     PlaybackRig rig;
-    CRynDeck& deck = rig.Deck(0);
     ASSERT_TRUE(rig.LoadAndPrime(0, {path}));
-    // To the middle with the needle up, then down.
-    deck.Reposition(0.5);
-    ASSERT_TRUE(WaitFor([&] { return deck.Disc().ForwardFilledCount() > 150; }, 10000));
-    WaitFor([] { return false; }, 200);
-    ASSERT_TRUE(rig.Drop(0));
+    ASSERT_TRUE(DropInTheMiddle(rig));
     HoldReverseTenSeconds(rig, pcm, frames / 2);
 }
 
@@ -162,10 +135,7 @@ TEST(DeckReverse, HeldTenSecondsInTheMiddleOfACdTrackPlaysItBackwards) {
     chooser->setCurrentIndex(item);
     deck.SelectDriveItem(item);
     ASSERT_TRUE(WaitFor([&] { return deck.Primed(); }, 10000));
-    deck.Reposition(0.5);
-    ASSERT_TRUE(WaitFor([&] { return deck.Disc().ForwardFilledCount() > 150; }, 10000));
-    WaitFor([] { return false; }, 200);
-    ASSERT_TRUE(rig.Drop(0));
+    ASSERT_TRUE(DropInTheMiddle(rig));
     HoldReverseTenSeconds(rig, pcm, frames / 2);
 }
 
