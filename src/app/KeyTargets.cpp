@@ -1,5 +1,7 @@
 #include "app/KeyTargets.h"
 
+#include "deck/CRynDeck.h"
+#include "deck/turntable/TurntableController.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
 
@@ -25,9 +27,10 @@ CNiSlide* EqualizerBandSlide(CRynEqualizer* equalizer, int band) {
 }
 
 void TurntableKeyRelease(CRynDeck* deck) {
-    // The platter comes with the turntable; until then there is no position
-    // to take again.
-    (void)deck;
+    // The platter takes its current position again, as a left release
+    // without Shift would.
+    if (deck)
+        deck->Turntable().KeyboardRelease();
 }
 
 bool ResetWindowPositions() {

@@ -15,6 +15,7 @@
 #include "deck/source/DeckSource.h"
 #include "deck/tempo/DeckTempoPanel.h"
 #include "deck/transport/DeckTransport.h"
+#include "deck/turntable/TurntableController.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "playlist/PlayList.h"
 #include "playlist/window/CRynPlayList.h"
@@ -115,6 +116,7 @@ void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlay
     tempo_->Initialise(deck_);
     tempo_->SetDeckColours(Colour(0), Colour(1));
     WireControls();
+    WireTurntable();
 }
 
 void CRynDeck::SetCdAudio(CRynCdAudio* cd) {
@@ -258,6 +260,7 @@ void CRynDeck::BuildControls() {
 
     tempo_ = new DeckTempoPanel(this);
     grid->addWidget(tempo_, 0, 6, 7, 1);
+    BuildTurntable(grid);
 
     // A deck starts stopped with its needle up and all transport disabled.
     SetTransportEnabled(false);
@@ -376,7 +379,7 @@ void CRynDeck::Shutdown() {
     Engine().decks[deck_].isPlaying.store(0);
     // The deck's windows go before the deck itself: nothing may tick on.
     for (int id : {kBlinkTimer, kRedropTimer, kDriveReopenTimer, kCdStartTimer, kWindTimer,
-                   kProgressTimer, kTimeTimer, kFileDialogTimer, kTurntableTimer})
+                   kProgressTimer, kTimeTimer, kFileDialogTimer, kTurntableTimer, kSpinTimer})
         KillWindowTimer(id);
     if (transport_)
         transport_->StopAllReaders();
@@ -457,6 +460,12 @@ void CRynDeck::OnWindowTimer(int id) {
             break;
         case kFileDialogTimer:
             ShowFileDialog();
+            break;
+        case kSpinTimer:
+            SpinTick();
+            break;
+        case kTurntableTimer:
+            Turntable().DragUpdate(true);
             break;
         default:
             break;

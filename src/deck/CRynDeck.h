@@ -11,6 +11,7 @@
 //   CRynDeck.cpp           controls, wiring, messages, timers
 //   CRynDeckTurntable.cpp  turntable and needle, reverse, wind, reposition, the
 //                          progress slide, the time display, track ended
+//   CRynDeckPlatter.cpp    the platter: its panel, timers 13 and 17
 //   CRynDeckLoading.cpp    loading, previous/next, end of track, eject, CD
 //                          drive selection, deck mode
 //
@@ -41,6 +42,8 @@ class CRynPlayList;
 class DeckBlockWork;
 class DeckSource;
 class DeckTempoPanel;
+class DeckTurntablePanel;
+class TurntableController;
 class DeckTransport;
 class PlayList;
 class QComboBox;
@@ -60,6 +63,7 @@ class CRynDeck : public CRynWindow {
     static constexpr int kProgressTimer = 11;    // 50 ms: progress slide follows play
     static constexpr int kTimeTimer = 14;        // 500 ms: time display
     static constexpr int kFileDialogTimer = 15;  // 750 ms once: the eject file dialog
+    static constexpr int kSpinTimer = 13;        // 50 ms while reading: the platter spins
     static constexpr int kTurntableTimer = 17;   // 300 ms: turntable picture
 
     // Progress slide colours: grey, and red for the end-of-track blink.
@@ -93,6 +97,9 @@ class CRynDeck : public CRynWindow {
     DeckBlockWork& BlockWork() { return *blockWork_; }
     // The equalizer's arithmetic: true for 16-bit ("Ints"), false for float.
     void SetEqNumberType(bool ints);
+    // The platter (CRynDeckPlatter.cpp), from Initialise on.
+    TurntableController& Turntable();
+    DeckTurntablePanel* TurntablePanel() const { return turntable_; }
 
     // The deck's two colours: `which` 0 is its main colour, 1 its dark shade.
     QColor Colour(int which) const;
@@ -118,6 +125,14 @@ class CRynDeck : public CRynWindow {
     void ProgressTick();
     bool Rotating() const;
     bool NeedleDown() const;
+
+    // --- Platter (CRynDeckPlatter.cpp) ---
+    // Timer 13: while the needle is up and the turntable rotates, the platter
+    // turns with the disc buffer's fill.
+    void SpinTick();
+    // The needle lifts while playing backwards: the deck turns forwards
+    // again without touching the output (the host stops all of it).
+    void EndReverseQuietly();
 
     // --- Loading (CRynDeckLoading.cpp) ---
     // The play list's current entry into the source: 0, or -1 on failure.
@@ -185,6 +200,8 @@ class CRynDeck : public CRynWindow {
 
   private:
     void BuildControls();
+    void BuildTurntable(class QGridLayout* grid);
+    void WireTurntable();
     void WireControls();
     void SetTrackName(const QString& text);
     void SetTransportEnabled(bool on);  // all eight transport buttons
@@ -252,6 +269,7 @@ class CRynDeck : public CRynWindow {
     QLabel* timeDisplay_ = nullptr;
     QComboBox* drives_ = nullptr;
     DeckTempoPanel* tempo_ = nullptr;
+    DeckTurntablePanel* turntable_ = nullptr;
 
     std::function<QStringList()> fileDialog_;
 };

@@ -13,6 +13,7 @@
 #include "deck/disc/CRynDiscBuffer.h"
 #include "deck/source/DeckSource.h"
 #include "deck/transport/DeckTransport.h"
+#include "deck/turntable/TurntableController.h"
 #include "playlist/PlayList.h"
 #include "playlist/window/CRynPlayList.h"
 #include "settings/CRynSettings.h"
@@ -238,6 +239,7 @@ void CRynDeck::OnDriveAssigned(int drive) {
     SetTransportEnabled(false);
     if (source_->Mode() == DeckSource::kFileMode)
         eject_->setEnabled(true);
+    Turntable().Reset();  // both platters to 0.0
     ApplyTempo();
     UpdateTimeDisplay();
 }

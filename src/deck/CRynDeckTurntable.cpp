@@ -14,6 +14,7 @@
 #include "deck/source/DeckSource.h"
 #include "deck/transport/DeckTransport.h"
 #include "deck/transport/TrackTime.h"
+#include "deck/turntable/TurntableController.h"
 #include "playlist/PlayList.h"
 #include "settings/CRynSettings.h"
 
@@ -65,6 +66,7 @@ void CRynDeck::DropNeedle() {
 }
 
 void CRynDeck::LiftNeedle() {
+    EndReverseQuietly();
     DeckSharedState& shared = Engine().decks[deck_];
     shared.freshDataLow.store(0);
     dropLift_->SetCaption(QStringLiteral("drop"));
@@ -83,12 +85,17 @@ void CRynDeck::SetReverse(bool on) {
     if (on == transport_->IsReverse())
         return;
     if (on) {
+        // Reverse ends a loop on the platter.
+        if (Turntable().Holds() && Engine().decks[deck_].isPlaying.load() != 0)
+            Turntable().RightUp();
+        // The transport turns first (its readers stop and start, serving
+        // this window's messages meanwhile), then the output.
+        transport_->SetReverse(true);
         SendAppMessage(mainMixer_, UWM_FORWARD_PLAY, deck_, 0);
         SendAppMessage(mainMixer_, UWM_START_REVERSE_THREAD, deck_, 0);
-        transport_->SetReverse(true);
     } else {
-        SendAppMessage(mainMixer_, UWM_STOP_REVERSE, deck_, 0);
         transport_->SetReverse(false);
+        SendAppMessage(mainMixer_, UWM_STOP_REVERSE, deck_, 0);
         // The forward ring resumes where the reverse one had got to.
         SendAppMessage(mainMixer_, UWM_SET_FORWARD_POSITION, deck_,
                        transport_->ForwardResumeBlocks());

@@ -128,6 +128,16 @@ void CRynFileDecoder::Rewind(int blocks) {
         source_->Seek(streamFrame_);
 }
 
+void CRynFileDecoder::SeekFrame(std::int64_t frame) {
+    if (!open_)
+        return;
+    const std::int64_t frames = static_cast<std::int64_t>(
+        static_cast<__int128>(source_->Duration100ns()) * sampleRate_ / 10000000);
+    streamFrame_ = std::clamp<std::int64_t>(frame, 0, std::max<std::int64_t>(frames, 0));
+    source_->Seek(streamFrame_);
+    SetBytePosition(UnitBytes(streamFrame_, sampleRate_));
+}
+
 void CRynFileDecoder::SeekFraction(float fraction) {
     if (!open_)
         return;

@@ -79,6 +79,10 @@ class CRynFileDecoder {
     // time at other rates), not below 0.
     void Rewind(int blocks);
 
+    // To stream frame `frame`, held within 0 … the duration in frames; the
+    // byte position follows (176400 a second). Nothing while closed.
+    void SeekFrame(std::int64_t frame);
+
     // fraction 0 ... 1 of the whole length: the stream goes to
     // trunc(duration x fraction); the byte position becomes
     // trunc(total bytes x fraction) (whole-second total).

@@ -103,10 +103,13 @@ PlaybackRig::~PlaybackRig() {
 
 bool PlaybackRig::RenderBlocks(int blocks) {
     for (int i = 0; i < blocks; ++i) {
-        std::array<int, 2> before{mixer_->MixSteps(0), mixer_->MixSteps(1)};
+        // A deck playing backwards steps on its reverse notifications.
+        auto steps = [&](int d) { return mixer_->MixSteps(d) + mixer_->ReverseSteps(d); };
+        std::array<int, 2> before{steps(0), steps(1)};
         std::array<bool, 2> playing{};
         for (int d = 0; d < 2; ++d)
-            playing[d] = decks_[d] && mixer_->MainOutput().IsForwardPlaying(d);
+            playing[d] = decks_[d] && (mixer_->MainOutput().IsForwardPlaying(d) ||
+                                       mixer_->MainOutput().IsReversePlaying(d));
         std::vector<std::int16_t> chunk(kBlockFrames * 2);
         if (!mixer_->MainOutput().Device()->Render(kBlockFrames, chunk.data()))
             return false;
@@ -115,7 +118,7 @@ bool PlaybackRig::RenderBlocks(int blocks) {
             [&] {
                 for (int d = 0; d < 2; ++d) {
                     if (playing[d] && Engine().decks[d].isPlaying.load() != 0 &&
-                        mixer_->MixSteps(d) == before[d])
+                        steps(d) == before[d])
                         return false;
                 }
                 return true;

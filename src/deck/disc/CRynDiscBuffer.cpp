@@ -53,7 +53,7 @@ int CRynDiscBuffer::FillBlock(int outputSlot, std::uint8_t* dest) {
         slot = shared_.forwardDisc[forwardPlay_].data();
     } else {
         if (shared_.backwardFilled[backwardPlay_].load() == 0) {
-            if (backwardReadingOn_)
+            if (backwardReadingOn_ || shared_.backwardReaderRun.load() != 0)
                 shared_.backwardWakeEvent.Set();
             return kNoBlock;
         }
@@ -92,9 +92,11 @@ int CRynDiscBuffer::FillBlock(int outputSlot, std::uint8_t* dest) {
 bool CRynDiscBuffer::NoteForwardCursors(int playCursorBytes, int writeCursorBytes, bool dragging) {
     const int playSlot = playCursorBytes / kBlockBytes;
     const int writeSlot = writeCursorBytes / kBlockBytes;
+    // The blocks ahead keep the mix cycle writing even while the platter is
+    // dragged; only the LEDs and the reader priority wait for the hand.
+    stats_.SetForwardPositions(playSlot, writeSlot, shared_.latencyBlocks.load(),
+                               &shared_.blocksAheadCopy);
     if (!dragging) {
-        stats_.SetForwardPositions(playSlot, writeSlot, shared_.latencyBlocks.load(),
-                                   &shared_.blocksAheadCopy);
         bool changed = false;
         // Fresh data low LED follows the information window's state.
         if (leds_.freshDataLow && !stats_.FreshDataLow()) {
@@ -174,6 +176,16 @@ void CRynDiscBuffer::LowerReaderPriority() {
 // ---------------------------------------------------------------- readers
 
 void CRynDiscBuffer::StartForwardReader() {
+    announceFirstFill_ = true;
+    RunForwardReader();
+}
+
+void CRynDiscBuffer::ResumeForwardReader() {
+    announceFirstFill_ = false;
+    RunForwardReader();
+}
+
+void CRynDiscBuffer::RunForwardReader() {
     markers_.fill(0);
     running_ = false;
     StopForwardReader();
@@ -215,6 +227,24 @@ void CRynDiscBuffer::StartBackwardReader() {
                           [this](const std::atomic<bool>&) { BackwardReaderMain(); });
 }
 
+void CRynDiscBuffer::WakeBackwardReader() {
+    shared_.backwardWakeEvent.Set();
+}
+
+int CRynDiscBuffer::ForwardFilledCount() const {
+    int n = 0;
+    for (const auto& f : shared_.forwardFilled)
+        n += f.load() != 0 ? 1 : 0;
+    return n;
+}
+
+int CRynDiscBuffer::BackwardFilledCount() const {
+    int n = 0;
+    for (const auto& f : shared_.backwardFilled)
+        n += f.load() != 0 ? 1 : 0;
+    return n;
+}
+
 void CRynDiscBuffer::StopBackwardReader() {
     shared_.backwardReaderRun.store(0);
     shared_.backwardWakeEvent.Set();
@@ -239,7 +269,8 @@ void CRynDiscBuffer::ForwardReaderMain() {
     for (auto& f : s.forwardFilled)
         f.store(0);
     int writeIndex = 0;
-    bool firstFillPosted = false;
+    // A resumed run feeds rings that already play: no first fill to announce.
+    bool firstFillPosted = !announceFirstFill_;
     const bool fileMode = source_ && source_->IsFileMode();
     bool firstPass = true;
 
@@ -299,7 +330,7 @@ void CRynDiscBuffer::BackwardReaderMain() {
     for (auto& f : s.backwardFilled)
         f.store(0);
     int base = 0;
-    const bool fileMode = source_ && source_->IsFileMode();
+    static const PcmBlock kSilence{};
     while (s.backwardReaderRun.load() == 1) {
         s.backwardWakeEvent.Wait();
         if (s.backwardReaderRun.load() == 0)
@@ -310,22 +341,26 @@ void CRynDiscBuffer::BackwardReaderMain() {
             if (f.load() == 0 && ++n > 25)
                 break;
         }
-        if (fileMode && source_)
-            source_->Rewind(n);
+        // Back over the blocks to read; at the track's start fewer are left,
+        // and the slots beyond them get silence.
+        const int moved = source_ ? source_->StepBack(n) : 0;
         for (int k = 0; k < n; ++k) {
             // Source order goes into the ring backwards: the first block read
-            // lands at base + n - 1, the last at base.
-            const int slot = (base + n - 1 - k) % kBackwardDiscBlocks;
+            // lands at base + moved - 1, the last at base.
+            const int j = n - 1 - k;
+            const int slot = (base + j) % kBackwardDiscBlocks;
             bool endOfStream = false;
-            if (source_)
+            if (j >= moved)
+                std::memcpy(s.backwardDisc[slot].data(), kSilence.data(), kBlockBytes);
+            else if (source_)
                 source_->ReadBlock(s.backwardDisc[slot].data(), &endOfStream);
             if (s.backwardReaderRun.load() == 0)
                 return;
             s.backwardFilled[slot].store(1);  // a failed read still marks the slot
             SendAppMessage(s.deckWindow, UWM_BACKWARD_FLAGS, 0, 0);
         }
-        if (fileMode && source_)
-            source_->Rewind(n);
+        if (source_ && moved > 0)
+            source_->StepBack(moved);
         base = (base + n) % kBackwardDiscBlocks;
     }
 }

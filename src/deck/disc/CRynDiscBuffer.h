@@ -60,6 +60,7 @@ class CRynDiscBuffer {
 
     // Wiring, set by the deck before the reader runs.
     void SetSource(DeckBlockSource* source) { source_ = source; }
+    DeckBlockSource* Source() const { return source_; }
     void SetBlockRoutine(DeckBlockRoutine* routine) { routine_ = routine; }
     // The stream rate handed to the host with the first fill (44100 for a CD).
     void SetStreamRate(std::function<int()> rate) { streamRate_ = std::move(rate); }
@@ -82,10 +83,16 @@ class CRynDiscBuffer {
     void NoteCursors(int reversePlayBytes, int reverseWriteBytes);
 
     void StartForwardReader();
+    // As StartForwardReader, for rings that already play (after reverse
+    // play): the run announces no first fill, so the output is not rebuilt.
+    void ResumeForwardReader();
     // Returns only when the reader has ended, serving the deck window's
     // messages meanwhile (the reader may be blocked sending to it).
     void StopForwardReader();
+    // The backward reader waits for its first wake (WakeBackwardReader, or
+    // FillBlock finding its ring empty while it runs).
     void StartBackwardReader();
+    void WakeBackwardReader();
     void StopBackwardReader();
     // Waits for the backward reader to end (after StopBackwardReader),
     // serving the deck window's messages meanwhile.
@@ -112,6 +119,9 @@ class CRynDiscBuffer {
     const Leds& GetLeds() const { return leds_; }
     void SetReadErrorLed(bool on);
     int ConsumedCounter() const { return consumed_; }
+    // Filled slots of the forward and backward rings, counted from the flags.
+    int ForwardFilledCount() const;
+    int BackwardFilledCount() const;
     int ForwardPlayIndex() const { return forwardPlay_; }
 
     // The watchdog's tick (timer 6) and the end of a suspension (timer 16);
@@ -120,6 +130,7 @@ class CRynDiscBuffer {
     void ResumeAfterSuspend();
 
   private:
+    void RunForwardReader();
     void ForwardReaderMain();
     void BackwardReaderMain();
     void ParkIfSuspended();
@@ -144,6 +155,7 @@ class CRynDiscBuffer {
     bool running_ = false;
     bool reverse_ = false;
     bool backwardReadingOn_ = false;
+    std::atomic<bool> announceFirstFill_{true};  // set before the reader starts
     std::array<std::int32_t, kOutputSlots> markers_{};
     Leds leds_;
 

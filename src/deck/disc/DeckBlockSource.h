@@ -20,4 +20,18 @@ class DeckBlockSource {
 
     // True for the file decoder (its endOfStream ends the forward reader).
     virtual bool IsFileMode() const = 0;
+
+    // --- Reverse play (both modes). Called only while no reader runs, except
+    // StepBack, which the backward reader calls between its reads.
+    // The read position: the first frame the next ReadBlock delivers, in
+    // source frames (a CD counts 588 frames a sector from the disc's start).
+    virtual std::int64_t PositionFrames() const { return 0; }
+    // Moves the read position to `frame`, held within the track.
+    virtual void SeekFrames(std::int64_t frame) { (void)frame; }
+    // Moves back up to `blocks` whole blocks, not before the track's start;
+    // returns the blocks gone back (fewer at the start).
+    virtual int StepBack(int blocks) {
+        Rewind(blocks);
+        return blocks;
+    }
 };

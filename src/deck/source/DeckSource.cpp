@@ -1,5 +1,6 @@
 #include "deck/source/DeckSource.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <system_error>
@@ -230,6 +231,54 @@ int DeckSource::ReadBlock(std::uint8_t* dest, bool* endOfStream) {
 void DeckSource::Rewind(int blocks) {
     if (mode_ == kFileMode)
         decoder_.Rewind(blocks);
+}
+
+namespace {
+constexpr int kFramesPerSector = 588;  // 2352 bytes of 16-bit stereo
+}
+
+std::int64_t DeckSource::PositionFrames() const {
+    if (mode_ == kFileMode)
+        return decoder_.StreamFrame();
+    if (!cd_ || drive_ == -1)
+        return 0;
+    return std::int64_t(cd_->CurrentAddress(drive_)) * kFramesPerSector;
+}
+
+void DeckSource::SeekFrames(std::int64_t frame) {
+    if (mode_ == kFileMode) {
+        const std::string path = list_.CurrentPath();
+        if (!decoder_.IsOpen() && !path.empty() && decoder_.FileName() == path)
+            OpenInDecoder(path);
+        decoder_.SeekFrame(frame);
+        return;
+    }
+    if (!cd_ || drive_ == -1)
+        return;
+    const int track = cd_->CurrentTrack(drive_);
+    const std::int32_t first = track >= 0 ? cd_->TrackStart(drive_, track) : 0;
+    const std::int32_t last = cd_->TrackEnd(drive_, cd_->LastTrack(drive_));
+    const auto sector = static_cast<std::int32_t>(frame / kFramesPerSector);
+    cd_->SetCurrentAddress(drive_, std::clamp(sector, first, std::max(first, last)));
+}
+
+int DeckSource::StepBack(int blocks) {
+    if (blocks <= 0)
+        return 0;
+    if (mode_ == kFileMode) {
+        const std::int64_t whole = decoder_.StreamFrame() / kBlockFrames;
+        const int n = static_cast<int>(std::min<std::int64_t>(blocks, whole));
+        decoder_.Rewind(n);
+        return n;
+    }
+    if (!cd_ || drive_ == -1)
+        return 0;
+    const int track = cd_->CurrentTrack(drive_);
+    const std::int32_t first = track >= 0 ? cd_->TrackStart(drive_, track) : 0;
+    const std::int32_t address = cd_->CurrentAddress(drive_);
+    const int n = std::clamp((address - first) / kBlockSectors, 0, blocks);
+    cd_->SetCurrentAddress(drive_, address - n * kBlockSectors);
+    return n;
 }
 
 void DeckSource::Close() {

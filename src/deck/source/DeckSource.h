@@ -130,6 +130,13 @@ class DeckSource : public DeckBlockSource {
     // File mode only; a CD positions itself.
     void Rewind(int blocks) override;
     bool IsFileMode() const override { return mode_ == kFileMode; }
+    // Reverse play: File mode in the decoder's stream frames (a decoder that
+    // closed itself at its end opens the list's file again to seek); CD mode
+    // in sectors of 588 frames, held between the current track's start and
+    // the lead-out.
+    std::int64_t PositionFrames() const override;
+    void SeekFrames(std::int64_t frame) override;
+    int StepBack(int blocks) override;
 
     // Closes the decoder and releases the drive (shutdown). The destructor
     // touches neither: they may be gone by then.

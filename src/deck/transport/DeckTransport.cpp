@@ -1,8 +1,13 @@
 #include "deck/transport/DeckTransport.h"
 
+#include <algorithm>
+
 #include "deck/disc/CRynDiscBuffer.h"
+#include "deck/disc/DeckBlockSource.h"
 #include "deck/disc/DeckInfoStats.h"
+#include "deck/transport/RingTimeline.h"
 #include "deck/transport/TrackTime.h"
+#include "deck/turntable/TurntableController.h"
 
 DeckTransport::DeckTransport(int deck, DeckInfoStats& stats)
     : stats_(stats), disc_(std::make_unique<CRynDiscBuffer>(deck, stats)) {}
@@ -41,12 +46,33 @@ void DeckTransport::StopAllReaders() {
 // ------------------------------------------------------------ reverse
 
 void DeckTransport::SetReverse(bool on) {
+    if (on == reverse_)
+        return;
+    DeckBlockSource* source = disc_->Source();
     reverse_ = on;
     disc_->SetReverse(on);
-    if (!on) {
-        disc_->StopBackwardReader();
-        disc_->JoinBackwardReader();
+    if (turntable_)
+        turntable_->SetDirection(on);
+    if (on) {
+        // The blocks read ahead stay unheard: the forward reader stops where
+        // it is and backward reading starts before the rings' earliest block.
+        const bool rotating = disc_->Running();
+        disc_->StopForwardReader();
+        if (!source || !rotating)
+            return;
+        earliestFrame_ = ringtimeline::EarliestFrame(source->PositionFrames(),
+                                                     disc_->ForwardFilledCount(), history_);
+        source->SeekFrames(std::max<std::int64_t>(earliestFrame_, 0));
+        disc_->StartBackwardReader();
+        disc_->WakeBackwardReader();
+        return;
     }
+    disc_->StopBackwardReader();
+    disc_->JoinBackwardReader();
+    if (!source || !disc_->Running())
+        return;
+    source->SeekFrames(ringtimeline::ResumeFrame(earliestFrame_, history_));
+    disc_->ResumeForwardReader();
 }
 
 int DeckTransport::ForwardResumeBlocks() const {
@@ -76,7 +102,15 @@ bool DeckTransport::BeginEndOfTrack() {
 // ------------------------------------------------------------ mix cycle
 
 int DeckTransport::FillBlock(int writeBlockIndex, std::uint8_t* dest) {
-    return disc_->FillBlock(writeBlockIndex, dest);
+    const int status = disc_->FillBlock(writeBlockIndex, dest);
+    if (status == CRynDiscBuffer::kDelivered) {
+        history_ = std::min(history_ + 1, kOutputRingBlocks);
+        if (reverse_)
+            earliestFrame_ -= kBlockFrames;
+    } else if (status == CRynDiscBuffer::kNoBlock && reverse_) {
+        ++reverseUnderruns_;
+    }
+    return status;
 }
 
 int DeckTransport::BlocksAhead() const {
@@ -84,7 +118,15 @@ int DeckTransport::BlocksAhead() const {
 }
 
 bool DeckTransport::IsTurning() const {
-    return disc_->Running();
+    return disc_->Running() && (!turntable_ || turntable_->Writing());
+}
+
+bool DeckTransport::HoldsLoop() const {
+    return turntable_ && turntable_->Holds();
+}
+
+double DeckTransport::TurntablePosition() const {
+    return turntable_ ? turntable_->ScratchPosition() : 0.0;
 }
 
 void DeckTransport::BlockFallsDue() {
@@ -97,6 +139,8 @@ double DeckTransport::NominalRate() const {
 }
 
 void DeckTransport::NoteCursors(int reversePlayCursor, int reverseWriteCursor) {
+    if (turntable_ && reverse_)
+        turntable_->NoteReverseCursors(reversePlayCursor, reverseWriteCursor);
     disc_->NoteCursors(reversePlayCursor, reverseWriteCursor);
 }
 
@@ -109,7 +153,10 @@ void DeckTransport::NoteForwardCursors(int playCursor, int writeCursor) {
         elapsedSeconds_ += double(played) / (double(Rate()) * kBytesPerFrame);
     }
     lastPlayCursor_ = playCursor;
-    if (!disc_->NoteForwardCursors(playCursor, writeCursor)) {
+    if (turntable_)
+        turntable_->NoteForwardCursors(playCursor, writeCursor);
+    const bool dragging = turntable_ && turntable_->Grabbed();
+    if (!disc_->NoteForwardCursors(playCursor, writeCursor, dragging)) {
         if (onUnderrun_)
             onUnderrun_();
         return;

@@ -22,6 +22,7 @@
 
 class CRynDiscBuffer;
 class DeckInfoStats;
+class TurntableController;
 
 class DeckTransport : public MixerDeck {
   public:
@@ -56,8 +57,17 @@ class DeckTransport : public MixerDeck {
     // StopReading, and the backward reader is stopped and joined too.
     void StopAllReaders();
 
-    // --- Reverse. On: the disc buffer delivers from its backward ring. Off:
-    // from the forward ring again, the backward reader stopped and joined.
+    // The deck's turntable: its writing flag is IsTurning, its hold flag
+    // HoldsLoop; it follows the cursors. Not owned; null: always writing.
+    void SetTurntable(TurntableController* turntable) { turntable_ = turntable; }
+
+    // --- Reverse. On: the forward reader stops, the source goes back to just
+    // before the earliest block in the output rings and the backward reader
+    // feeds the disc buffer's backward ring from there, so reverse play goes
+    // on through the track to its start. Off: the backward reader is stopped
+    // and joined, the source goes to just after the newest block in the rings
+    // and, while the turntable turns, the forward reader resumes from there
+    // without rebuilding the output.
     void SetReverse(bool on);
     // Where forward play resumes after reverse play: blocks into the forward
     // output ring, from the reverse play slot.
@@ -96,6 +106,12 @@ class DeckTransport : public MixerDeck {
     void BlockFallsDue() override;
     void OnPrimed() override { primed_ = true; }
     double NominalRate() const override;
+    bool HoldsLoop() const override;
+    double TurntablePosition() const override;
+    void OnRingsCreated() override { history_ = 0; }
+    int RingHistoryBlocks() const override { return history_; }
+    // Reverse play: blocks the backward ring could not deliver when asked.
+    int ReverseUnderruns() const { return reverseUnderruns_; }
 
   private:
     int Rate() const;
@@ -113,4 +129,8 @@ class DeckTransport : public MixerDeck {
     bool endOfTrackPending_ = false;
     int blocksUntilTrackEnd_ = 0;
     bool primed_ = false;
+    TurntableController* turntable_ = nullptr;
+    int history_ = 0;                 // blocks of the stretch in the rings, 0 … 120
+    std::int64_t earliestFrame_ = 0;  // reverse: source frame of the earliest block delivered
+    int reverseUnderruns_ = 0;
 };

@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "core/PcmFormat.h"
+
 class MixerDeck {
   public:
     virtual ~MixerDeck() = default;
@@ -44,4 +46,12 @@ class MixerDeck {
 
     // Turntable position 0 … 1 of the forward ring, for scratches.
     virtual double TurntablePosition() const { return 0.0; }
+
+    // The deck's output rings were (re)built silent: nothing of the track is
+    // in them yet.
+    virtual void OnRingsCreated() {}
+    // How many blocks of one unbroken stretch of the track the rings hold
+    // (0 … 120): each block delivered adds one. When the deck's direction
+    // turns, the mix cycle moves the write cursors over that stretch.
+    virtual int RingHistoryBlocks() const { return kOutputRingBlocks; }
 };

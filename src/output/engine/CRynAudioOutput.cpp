@@ -236,6 +236,16 @@ CRynAudioOutput::Cursor CRynAudioOutput::WriteCursor(int deck, Ring ring) const 
     return {kStatusOk, bytes, bytes / kBlockBytes};
 }
 
+SoundStatus CRynAudioOutput::SetWriteCursors(int deck, int forwardSlot) {
+    if (!Buffer(deck, kForward) || !Buffer(deck, kReverse))
+        return kStatusNotInitialised;
+    const int slot = ((forwardSlot % kOutputRingBlocks) + kOutputRingBlocks) % kOutputRingBlocks;
+    CRynSoundEngine::DeckBuffers& d = engine_->Deck(deck);
+    d.forwardWrite = slot * kBlockBytes;
+    d.reverseWrite = (kOutputRingBlocks - 1 - slot) * kBlockBytes;
+    return kStatusOk;
+}
+
 CRynAudioOutput::Cursor CRynAudioOutput::ForwardWriteCursor(int deck) const {
     return WriteCursor(deck, kForward);
 }

@@ -105,6 +105,11 @@ class CRynAudioOutput {
     Cursor ForwardPlayCursor(int deck) const;
     Cursor ReversePlayCursor(int deck) const;
     Cursor ScratchPlayCursor(int deck) const;
+    // Moves both write cursors: the forward one to block `forwardSlot`, the
+    // reverse one to its mirror, 119 - forwardSlot (the deck's direction
+    // turned; the mix cycle goes on writing at the other end of what the
+    // rings hold).
+    SoundStatus SetWriteCursors(int deck, int forwardSlot);
     Cursor ForwardWriteCursor(int deck) const;
     Cursor ReverseWriteCursor(int deck) const;
 

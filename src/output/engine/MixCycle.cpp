@@ -3,6 +3,7 @@
 #include <chrono>
 
 #include "deck/transport/MixerDeck.h"
+#include "deck/transport/RingTimeline.h"
 #include "output/engine/CRynAudioOutput.h"
 
 namespace {
@@ -36,10 +37,23 @@ void MixCycle::OnBoth(F&& f) {
         f(*headphones_);
 }
 
+void MixCycle::FollowDirection(int deck) {
+    MixerDeck* d = decks_[deck];
+    if (!d || !main_ || d->IsReverse() == writingReverse_[deck])
+        return;
+    writingReverse_[deck] = d->IsReverse();
+    const int slot = ringtimeline::TurnedWriteSlot(main_->ForwardWriteCursor(deck).blocks,
+                                                   d->RingHistoryBlocks(), writingReverse_[deck]);
+    OnBoth([&](CRynAudioOutput& o) { o.SetWriteCursors(deck, slot); });
+}
+
 void MixCycle::MixStep(int deck, bool catchUp) {
     MixerDeck* d = ValidDeck(deck) ? decks_[deck] : nullptr;
-    if (!d || !main_ || !main_->IsForwardPlaying(deck))
+    // A forward notification still on its way after the deck turned to
+    // reverse writes nothing.
+    if (!d || !main_ || !main_->IsForwardPlaying(deck) || d->IsReverse())
         return;
+    FollowDirection(deck);
     const int play = main_->ForwardPlayCursor(deck).bytes;
     if (syncHeadphones)
         syncHeadphones(deck, play, NowSeconds(), d->NominalRate());
@@ -60,14 +74,18 @@ void MixCycle::MixStep(int deck, bool catchUp) {
 
 void MixCycle::ReverseStep(int deck) {
     MixerDeck* d = ValidDeck(deck) ? decks_[deck] : nullptr;
-    if (!d || !main_)
+    if (!d || !main_ || !d->IsReverse())
         return;
+    FollowDirection(deck);
     d->NoteCursors(main_->ReversePlayCursor(deck).bytes, main_->ReverseWriteCursor(deck).bytes);
-    if (!d->IsTurning())
+    // As forwards: the ring is kept written ahead of the reverse play cursor
+    // by the deck's write-ahead, one block a notification, two when behind.
+    const int ahead = d->BlocksAhead();
+    const int target = Engine().decks[deck].writeAheadBlocks.load();
+    if (ahead > target || !d->IsTurning())
         return;
     WriteDeckBlock(deck);
-    // Behind: fewer blocks ahead of the reverse cursor than the target.
-    if (d->BlocksAhead() < Engine().decks[deck].writeAheadBlocks.load())
+    if (ahead < target)
         WriteDeckBlock(deck);
 }
 
@@ -75,6 +93,7 @@ void MixCycle::WriteDeckBlock(int deck) {
     MixerDeck* d = ValidDeck(deck) ? decks_[deck] : nullptr;
     if (!d || !main_)
         return;
+    FollowDirection(deck);
     const int slot = main_->ForwardWriteCursor(deck).blocks;
     if (d->FillBlock(slot, block_.data()) != 0)
         return;
@@ -91,9 +110,31 @@ void MixCycle::PlayReverse(int deck, bool play) {
     OnBoth([&](CRynAudioOutput& o) { play ? o.PlayReverse(deck) : o.StopReverse(deck); });
 }
 
-void MixCycle::CreateScratch(int deck, int bytes) {
-    const int rate = Engine().decks[deck].outputFrequency.load();
+void MixCycle::CreateScratch(int deck, int rate, int bytes) {
     OnBoth([&](CRynAudioOutput& o) { o.CreateScratch(deck, rate, bytes); });
+}
+
+void MixCycle::PlayScratch(int deck, int offsetBytes) {
+    OnBoth([&](CRynAudioOutput& o) { o.PlayScratch(deck, offsetBytes); });
+}
+
+int MixCycle::ScratchCursor(int deck) const {
+    if (!main_)
+        return -1;
+    const CRynAudioOutput::Cursor c = main_->ScratchPlayCursor(deck);
+    return c.status == kStatusOk ? c.bytes : -1;
+}
+
+void MixCycle::SwitchDirection(int deck, bool toForward) {
+    OnBoth([&](CRynAudioOutput& o) { o.SwitchDirection(deck, toForward); });
+}
+
+void MixCycle::SetReversePosition(int deck, int block) {
+    OnBoth([&](CRynAudioOutput& o) { o.SetReversePosition(deck, block); });
+}
+
+void MixCycle::SetReverseFrequency(int deck, int hz) {
+    OnBoth([&](CRynAudioOutput& o) { o.SetReverseFrequency(deck, hz); });
 }
 
 void MixCycle::EndScratch(int deck) {
@@ -106,6 +147,10 @@ void MixCycle::CreateDeckBuffers(int deck, int rate) {
     if (headphones_)
         headphones_->CreateDeckBuffers(deck, rate, false);
     Engine().decks[deck].mainDeckRate.store(rate);
+    // New rings are written forwards from block 0 and hold nothing yet.
+    writingReverse_[deck] = false;
+    if (decks_[deck])
+        decks_[deck]->OnRingsCreated();
 }
 
 void MixCycle::SetForwardFrequency(int deck, int hz) {

@@ -37,8 +37,13 @@ class MixCycle : public MixStepSink {
     void WriteDeckBlock(int deck) override;
     void PlayForward(int deck, bool play) override;
     void PlayReverse(int deck, bool play) override;
-    void CreateScratch(int deck, int bytes) override;
+    void CreateScratch(int deck, int rate, int bytes) override;
+    void PlayScratch(int deck, int offsetBytes) override;
     void EndScratch(int deck) override;
+    int ScratchCursor(int deck) const override;
+    void SwitchDirection(int deck, bool toForward) override;
+    void SetReversePosition(int deck, int block) override;
+    void SetReverseFrequency(int deck, int hz) override;
     void CreateDeckBuffers(int deck, int rate) override;
     void SetForwardFrequency(int deck, int hz) override;
     void SetForwardPosition(int deck, int block) override;
@@ -49,10 +54,15 @@ class MixCycle : public MixStepSink {
   private:
     template <typename F>
     void OnBoth(F&& f);
+    // When the deck's direction has turned since its last write, both write
+    // cursors move over the stretch the rings hold, so writing goes on at
+    // its other end.
+    void FollowDirection(int deck);
 
     CRynAudioOutput* main_ = nullptr;
     CRynAudioOutput* headphones_ = nullptr;
     std::array<MixerDeck*, kDeckCount> decks_{};
     std::array<long, kDeckCount> written_{};
+    std::array<bool, kDeckCount> writingReverse_{};
     PcmBlock block_{};
 };

@@ -34,9 +34,19 @@ class MixStepSink {
     virtual void PlayForward(int /*deck*/, bool /*play*/) {}
     virtual void PlayReverse(int /*deck*/, bool /*play*/) {}
 
-    // Scratch buffer of `bytes` bytes created on both devices; ended again.
-    virtual void CreateScratch(int /*deck*/, int /*bytes*/) {}
+    // Scratch buffer of `bytes` bytes created on both devices at `rate` Hz;
+    // played looping from `offsetBytes` of the forward ring; ended again.
+    virtual void CreateScratch(int /*deck*/, int /*rate*/, int /*bytes*/) {}
+    virtual void PlayScratch(int /*deck*/, int /*offsetBytes*/) {}
     virtual void EndScratch(int /*deck*/) {}
+    // The scratch buffer's play cursor on the main device, bytes (-1: none).
+    virtual int ScratchCursor(int /*deck*/) const { return -1; }
+
+    // SwitchDirection on both devices (true: to forwards); the reverse
+    // ring's play position in blocks and its playback frequency.
+    virtual void SwitchDirection(int /*deck*/, bool /*toForward*/) {}
+    virtual void SetReversePosition(int /*deck*/, int /*block*/) {}
+    virtual void SetReverseFrequency(int /*deck*/, int /*hz*/) {}
 
     // New deck buffers at `rate` (UWM_CREATE_DECK_BUFFERS); tempo as the
     // buffers' playback frequency; the forward play position in blocks.

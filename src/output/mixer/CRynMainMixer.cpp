@@ -9,7 +9,10 @@
 #include "core/WorkerThread.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
+#include "deck/source/DeckSource.h"
 #include "deck/transport/DeckTransport.h"
+#include "deck/turntable/TurntableController.h"
+#include "deck/turntable/TurntableLaw.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "platform/sound/SoundSystem.h"
 #include "settings/CRynSettings.h"
@@ -175,6 +178,7 @@ void CRynMainMixer::MixStep(int deck) {
 }
 
 void CRynMainMixer::ReverseStep(int deck) {
+    ++reverseSteps_[deck];
     sink_->ReverseStep(deck);
     PaceDisplay();
 }
@@ -183,9 +187,51 @@ void CRynMainMixer::PaceDisplay() {
     SharedEngineState& e = Engine();
     const int playing = (e.decks[0].isPlaying.load() != 0) + (e.decks[1].isPlaying.load() != 0);
     const DisplayPacing::Step step = pacing_.OnNotification(playing);
-    // The turntable pictures follow with the deck's turntable.
+    // The turntable pictures follow the play positions.
+    if (step.moveTurntables) {
+        for (CRynDeck* d : decks_) {
+            if (d && e.decks[d->DeckIndex()].isPlaying.load() != 0)
+                d->Turntable().Draw();
+        }
+    }
     if (step.updateGraphs)
         e.updateGraphsAndMetersEvent.Set();
+}
+
+void CRynMainMixer::StartScratch(int deck, int bytes) {
+    notify_.Start(NotifyKind::Scratch, deck, Handle());
+    // The deck's stream rate: 44100 for a CD, the decoder's in File mode.
+    const int rate = decks_[deck] ? decks_[deck]->Source().Rate() : kCdRate;
+    sink_->CreateScratch(deck, rate, bytes);
+}
+
+void CRynMainMixer::PlayScratch(int deck) {
+    const double position = decks_[deck] ? decks_[deck]->Transport().TurntablePosition() : 0.0;
+    sink_->PlayScratch(deck, turntable::ScratchOffset(position));
+    SetWindowTimer(kScratchTimerA + deck, kScratchTimerPeriodMs);
+}
+
+void CRynMainMixer::ScratchDone(int deck) {
+    // A loop the deck still holds goes round again.
+    if (decks_[deck] && decks_[deck]->Transport().HoldsLoop())
+        return;
+    KillWindowTimer(kScratchTimerA + deck);
+    notify_.Stop(NotifyKind::Scratch, deck);
+    sink_->EndScratch(deck);
+    if (decks_[deck])
+        decks_[deck]->Turntable().ScratchDone();
+}
+
+void CRynMainMixer::OnWindowTimer(int id) {
+    const int deck = id - kScratchTimerA;
+    if (deck != 0 && deck != 1) {
+        CRynWindow::OnWindowTimer(id);
+        return;
+    }
+    // The platter follows the loop as it plays.
+    const int cursor = sink_->ScratchCursor(deck);
+    if (cursor >= 0 && decks_[deck])
+        decks_[deck]->Turntable().DrawLoop(turntable::AngleOfCursor(cursor));
 }
 
 void CRynMainMixer::StopDeck(int deck) {
@@ -217,6 +263,10 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
         case UWM_START_FORWARD_THREAD:
         case UWM_START_REVERSE_THREAD:
         case UWM_START_SCRATCH:
+        case UWM_PLAY_SCRATCH:
+        case UWM_SET_DIRECTION:
+        case UWM_SET_REVERSE_POSITION:
+        case UWM_SET_REVERSE_FREQUENCY:
         case UWM_FORWARD_NOTIFY:
         case UWM_REVERSE_NOTIFY:
         case UWM_SCRATCH_DONE:
@@ -281,8 +331,19 @@ LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
             sink_->PlayReverse(deck, true);
             break;
         case UWM_START_SCRATCH:
-            notify_.Start(NotifyKind::Scratch, deck, Handle());
-            sink_->CreateScratch(deck, value);
+            StartScratch(deck, value);
+            break;
+        case UWM_PLAY_SCRATCH:
+            PlayScratch(deck);
+            break;
+        case UWM_SET_DIRECTION:
+            sink_->SwitchDirection(deck, lParam == 1);
+            break;
+        case UWM_SET_REVERSE_POSITION:
+            sink_->SetReversePosition(deck, value);
+            break;
+        case UWM_SET_REVERSE_FREQUENCY:
+            sink_->SetReverseFrequency(deck, value);
             break;
         case UWM_FORWARD_NOTIFY:
             MixStep(deck);
@@ -291,9 +352,7 @@ LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
             ReverseStep(deck);
             break;
         case UWM_SCRATCH_DONE:
-            KillWindowTimer(deck == 0 ? 7 : 8);
-            shared.scratchThreadStop.store(1);
-            sink_->EndScratch(deck);
+            ScratchDone(deck);
             break;
         case UWM_STOP_DECK:
             StopDeck(deck);

@@ -87,6 +87,11 @@ class CRynMainMixer : public CRynWindow {
     int GraphsUpdates() const { return graphsUpdates_; }
     // Mix steps run so far (forward notifications handled), per deck.
     int MixSteps(int deck) const { return mixSteps_[deck]; }
+    // Reverse steps run so far (reverse notifications handled), per deck.
+    int ReverseSteps(int deck) const { return reverseSteps_[deck]; }
+    // Scratch timers 7 (deck A) and 8 (deck B): 20 ms while a scratch plays.
+    static constexpr int kScratchTimerA = 7;
+    static constexpr int kScratchTimerPeriodMs = 20;
     // The overload lamp: flipped by every tick.
     bool OverloadLampOn() const { return overloadLampOn_; }
 
@@ -94,6 +99,7 @@ class CRynMainMixer : public CRynWindow {
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void OnWindowTimer(int id) override;
 
   private:
     void MixStep(int deck);
@@ -107,6 +113,12 @@ class CRynMainMixer : public CRynWindow {
     void ChangeLatency(int deck, WriteAheadTarget::Override which, bool request);
     LResult AssignDrive(int deck, int drive);
     void StopReverse(int deck);
+    // The turntable's scratch loop: created at the deck's stream rate,
+    // played from the turntable's position, ended when the loop comes round
+    // and the deck no longer holds it.
+    void StartScratch(int deck, int bytes);
+    void PlayScratch(int deck);
+    void ScratchDone(int deck);
     void OnTick();
     void OnOverloadLampChanged();
     static bool ValidDeck(WParam deck) { return deck < 2; }
@@ -126,5 +138,6 @@ class CRynMainMixer : public CRynWindow {
     DisplayPacing pacing_;
     int graphsUpdates_ = 0;
     std::array<int, 2> mixSteps_{};
+    std::array<int, 2> reverseSteps_{};
     bool overloadLampOn_ = false;
 };
