@@ -62,7 +62,7 @@ std::int16_t NoiseSample(int frame, int channel) {
     return v == 0 ? std::int16_t(1) : v;
 }
 
-PlaybackRig::PlaybackRig(bool twoDecks) {
+PlaybackRig::PlaybackRig(bool twoDecks, CRynHeadphonesMixer* headphones) {
     ResetEngineStateForTest();
     Engine().mainDialogWindow = host_.Handle();
     mixer_ = std::make_unique<CRynMainMixer>();
@@ -72,7 +72,7 @@ PlaybackRig::PlaybackRig(bool twoDecks) {
         decks_[d] = std::make_unique<CRynDeck>();
         decks_[d]->Initialise(nullptr, nullptr, nullptr, mixer_->Handle(), d);
     }
-    mixer_->Initialise(host_.Handle(), decks_[0].get(), decks_[1].get(), nullptr, nullptr);
+    mixer_->Initialise(host_.Handle(), decks_[0].get(), decks_[1].get(), headphones, nullptr);
     // Unity for deck A: full levels, and the wedge curve gives the deck at
     // the fader's end all of its level.
     MainMixerPanel& panel = mixer_->Panel();

@@ -17,6 +17,7 @@
 #include "core/EngineState.h"
 
 class CRynDeck;
+class CRynHeadphonesMixer;
 class CRynMainMixer;
 
 namespace testsupport {
@@ -32,8 +33,9 @@ std::int16_t NoiseSample(int frame, int channel);
 class PlaybackRig {
   public:
     // Resets the engine state, opens the manual Null device and creates the
-    // decks (deck B only when twoDecks).
-    explicit PlaybackRig(bool twoDecks = false);
+    // decks (deck B only when twoDecks); the main mixer gets `headphones`
+    // (not owned) when one is given.
+    explicit PlaybackRig(bool twoDecks = false, CRynHeadphonesMixer* headphones = nullptr);
     ~PlaybackRig();
 
     CRynMainMixer& Mixer() { return *mixer_; }
