@@ -79,7 +79,6 @@
     ONE (SoundDevicePhones,               "soundDevicePhones",               Text,   NoDefault)     \
     ONE (ToolTipsOnSettingName,           "toolTipsOnSettingName",           Flag,   true)          \
     ONE (TitleBarsOnState,                "titleBarsOnState",                Flag,   true)          \
-    ONE (SaveWindowPositions,             "saveWindowPositions",             Flag,   true)          \
     /* Tip of the day. */                                                                         \
     ONE (ShowTipOfTheDay,                 "showTipOfTheDay",                 Flag,   true)          \
     ONE (TipOfTheDayIndex,                "tipOfTheDayIndex",                Number, 0)

