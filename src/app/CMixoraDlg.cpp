@@ -264,6 +264,10 @@ bool CMixoraDlg::StartUp() {
     ShellLog(
         QStringLiteral("main device %1")
             .arg(device ? QString::fromStdString(device->Identifier()) : QStringLiteral("none")));
+    const sound::SoundDevice* phones = headphones_->Output().Device();
+    ShellLog(
+        QStringLiteral("headphones device %1")
+            .arg(phones ? QString::fromStdString(phones->Identifier()) : QStringLiteral("none")));
 
     // Each deck in its stored mode and time display.
     for (int d = 0; d < 2; ++d) {
