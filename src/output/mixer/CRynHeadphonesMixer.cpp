@@ -70,6 +70,7 @@ void CRynHeadphonesMixer::SetDeckColours(int deck, const QColor& first, const QC
 }
 
 bool CRynHeadphonesMixer::OpenDevice(const std::string& identifier) {
+    stalledEngine_.reset();
     if (identifier.empty()) {
         output_.ReleaseAll();
         output_.CloseDevice();
@@ -89,6 +90,7 @@ bool CRynHeadphonesMixer::OpenDevice(const std::string& identifier) {
 }
 
 bool CRynHeadphonesMixer::OpenDevice(std::unique_ptr<sound::SoundDevice> device) {
+    stalledEngine_.reset();
     if (!device)
         return OpenDevice(std::string());
     const QString name = QString::fromStdString(device->Description());
@@ -119,9 +121,12 @@ bool CRynHeadphonesMixer::Opened(const QString& name) {
     return true;
 }
 
-void CRynHeadphonesMixer::Lose(const QString& message) {
+void CRynHeadphonesMixer::Lose(const QString& message, bool stalled) {
     output_.ReleaseAll();
-    output_.CloseDevice();
+    if (stalled)
+        stalledEngine_ = output_.DetachEngine();
+    else
+        output_.CloseDevice();
     volume_->SetValue(0.0);
     volume_->setEnabled(false);
     status_->setText(message);
@@ -203,7 +208,8 @@ void CRynHeadphonesMixer::NoteStall(int deck) {
     const int cursor = output_.ForwardPlayCursor(deck).bytes;
     stalled_[deck] = cursor == lastCursor_[deck] ? stalled_[deck] + 1 : 0;
     if (stalled_[deck] >= kStalledSteps)
-        Lose(QStringLiteral("The headphones device stopped playing; the headphones are off."));
+        Lose(QStringLiteral("The headphones device stopped playing; the headphones are off."),
+             true);
 }
 
 void CRynHeadphonesMixer::SetLevel(int deck, float level) {

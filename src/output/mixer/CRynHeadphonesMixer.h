@@ -136,13 +136,18 @@ class CRynHeadphonesMixer : public CRynWindow {
     void OnSeparateEars(bool on);
     void OnPlotCount(bool two);
     bool Opened(const QString& name);
-    // The headphones are lost: output closed, volume off, message shown.
-    void Lose(const QString& message);
+    // The headphones are lost: output closed (or, for a device that stopped
+    // answering, set aside unclosed), volume off, message shown.
+    void Lose(const QString& message, bool stalled = false);
     void NoteStall(int deck);
 
     WindowHandle mainMixer_ = 0;
     std::array<std::array<QColor, 2>, 2> colours_{};
     CRynAudioOutput output_;
+    // A device that stopped answering: closing it may block until its sound
+    // server answers, so it is closed only when another device is chosen or
+    // the mixer goes.
+    std::unique_ptr<CRynSoundEngine> stalledEngine_;
     CrossFaderGains gains_;
     HeadphonesSync sync_;
     bool loading_ = false;  // levels set from the settings are not stored back
