@@ -244,3 +244,21 @@ TEST_F(ConfigureTest, RendersToAPicture) {
     const QString file = QStringLiteral(MIXORA_BINARY_DIR "/configure.png");
     ASSERT_TRUE(image.save(file)) << file.toStdString();
 }
+
+TEST_F(ConfigureTest, ARefreshListsTheDevicesAgainAndReopensTheChoices) {
+    Settings().SetSoundDeviceMain(kCard.description.c_str());
+    std::vector<sound::SoundDeviceInfo> devices{kNull, kCard};
+    auto c = std::make_unique<CRynConfigure>();
+    c->enumerate = [&devices] { return devices; };
+    c->canOpen = [](const std::string& id) { return id != kBroken.identifier; };
+    c->Initialise(mixer.Handle());
+    EXPECT_EQ(c->DeviceList(1)->currentIndex(), 0);
+
+    // A headset plugged in since: listed, and the stored choices opened again.
+    devices = {kNull, kCard, kUsb};
+    mixer.got.clear();
+    SendAppMessage(c->Handle(), UWM_CONFIG_REFRESH);
+    EXPECT_EQ(c->DeviceList(0)->count(), 4);
+    EXPECT_EQ(c->DeviceList(0)->currentText(), "Card (ALSA)");
+    EXPECT_EQ(DeviceSends(), (Sends{{0, kCard.identifier}, {1, ""}}));
+}
