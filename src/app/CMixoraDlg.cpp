@@ -28,6 +28,7 @@
 #include "output/mixer/CRynMainMixer.h"
 #include "playlist/window/CRynPlayList.h"
 #include "settings/CRynSettings.h"
+#include "settings/window/CRynConfigure.h"
 #include "sources/CRynCdAudio.h"
 
 namespace {
@@ -257,9 +258,19 @@ bool CMixoraDlg::StartUp() {
                            graph3d_.get());
     ShellLog(QStringLiteral("initialise CRynMainMixer"));
     mainMixer_->SetHeadphonesOutput(&headphones_->Output());
-    const std::string device = CRynMainMixer::StartupDeviceIdentifier();
-    mainMixer_->ChooseMainDevice(device);
-    ShellLog(QStringLiteral("main device %1").arg(QString::fromStdString(device)));
+    // The configuration window, hidden, opens both sound devices.
+    configure_ = std::make_unique<CRynConfigure>();
+    Created(configure_.get());
+    mainMixer_->SetConfigureWindow(configure_.get());
+    configure_->Initialise(mainMixer_->Handle());
+    const sound::SoundDevice* device = mainMixer_->MainOutput().Device();
+    ShellLog(
+        QStringLiteral("main device %1")
+            .arg(device ? QString::fromStdString(device->Identifier()) : QStringLiteral("none")));
+    const sound::SoundDevice* phones = headphones_->Output().Device();
+    ShellLog(
+        QStringLiteral("headphones device %1")
+            .arg(phones ? QString::fromStdString(phones->Identifier()) : QStringLiteral("none")));
 
     // Each deck in its stored mode and time display; its equalizer in its
     // stored arithmetic and settings.
@@ -291,6 +302,7 @@ bool CMixoraDlg::StartUp() {
     ShellLog(QStringLiteral("tick and keyboard threads started"));
 
     PlaceAndShowWindows(low);
+    mainMixer_->Panel().ShowPhonesButton()->SetValue(headphones_->isVisible());
     mainMixer_->activateWindow();
     mainMixer_->setFocus();
     mainMixer_->LayoutBuilt();

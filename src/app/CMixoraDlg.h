@@ -31,6 +31,7 @@ class CRynEqualizer;
 class CRynPlayList;
 class CRynWindow;
 class KeyboardControl;
+class CRynConfigure;
 class ProgressLamp;
 
 class CMixoraDlg : public QDialog, public MessageReceiver {
@@ -75,6 +76,7 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
 
     CRynMainMixer* MainMixer() const { return mainMixer_.get(); }
     CRynHeadphonesMixer* HeadphonesMixer() const { return headphones_.get(); }
+    CRynConfigure* Configure() const { return configure_.get(); }
     CRyn3DGraph* Graph3D() const { return graph3d_.get(); }
     CRynDeck* Deck(int deck) const { return decks_[deck].get(); }
     KeySource& Keys() { return *keys_; }
@@ -122,6 +124,7 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
     std::unique_ptr<CRynCdAudio> cdAudio_;
     std::unique_ptr<CRynMainMixer> mainMixer_;
     std::unique_ptr<CRynHeadphonesMixer> headphones_;
+    std::unique_ptr<CRynConfigure> configure_;
     std::unique_ptr<CRyn3DGraph> graph3d_;
     std::array<std::unique_ptr<CRynDeck>, 2> decks_;
     std::array<std::unique_ptr<CRynDeckInfo>, 2> infos_;

@@ -16,6 +16,7 @@
 #include "output/mixer/CRynHeadphonesMixer.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "playlist/window/CRynPlayList.h"
+#include "settings/window/CRynConfigure.h"
 #include "sources/CRynCdAudio.h"
 
 void CMixoraDlg::reject() {
@@ -132,6 +133,7 @@ void CMixoraDlg::Shutdown() {
 
     ShutdownStep(0, QStringLiteral("Destroying Mixer"));
     graph3d_.reset();
+    configure_.reset();
     headphones_.reset();
     mainMixer_.reset();
     cdAudio_.reset();

@@ -10,7 +10,7 @@ CNiSlide* PhonesSlide(CRynHeadphonesMixer* phones, HeldTarget target, int deck) 
         return nullptr;
     switch (target) {
         case HeldTarget::PhonesLevel:
-            return phones->DeckLevelSlide(deck);
+            return phones->LevelSlide(deck);
         case HeldTarget::PhonesCrossFader:
             return phones->CrossFaderSlide();
         case HeldTarget::PhonesVolume:

@@ -87,6 +87,7 @@ struct SharedEngineState {
     std::atomic<std::int32_t> lowResolution{0};
     std::atomic<std::int8_t> allMinimised{0};
     std::atomic<std::int8_t> toolTipsOn{0};
+    std::atomic<std::int8_t> scopeTriggerOn{1};  // the scope locks onto rising zero crossings
     std::atomic<std::int32_t> pendingTicks{0};
     std::atomic<std::int32_t> overload{0};
     std::atomic<std::int32_t> tickThreadRun{0};

@@ -125,7 +125,7 @@ TEST_F(KeysThroughWindows, HoldingTRaisesDeckAMainLevelOneStepAPollAndStopsAtThe
 }
 
 TEST_F(KeysThroughWindows, CtrlTMovesTheHeadphonesLevelInsteadOfTheMainLevel) {
-    CNiSlide* phones = host_->HeadphonesMixer()->DeckLevelSlide(0);
+    CNiSlide* phones = host_->HeadphonesMixer()->LevelSlide(0);
     ASSERT_NE(phones, nullptr);
     phones->SetValue(0.2);
     const float main = Panel().Level(0);

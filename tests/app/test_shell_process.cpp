@@ -119,7 +119,7 @@ const QStringList kWindows = {"create CRynMainMixer 141", "create CRynHeadphones
                               "create CRynDeckInfo 132",  "create CRynEqualizer 137",
                               "create CRynPlayList 144",  "create CRynDeck 131",
                               "create CRynDeckInfo 132",  "create CRynEqualizer 137",
-                              "create CRynPlayList 144"};
+                              "create CRynPlayList 144",  "create CRynConfigure 130"};
 
 const QStringList kShutdown = {"shutdown lamp 1: Stopping Threads.",
                                "shutdown lamp 2: Destroying Decks",

@@ -63,7 +63,7 @@ std::int16_t NoiseSample(int frame, int channel) {
     return v == 0 ? std::int16_t(1) : v;
 }
 
-PlaybackRig::PlaybackRig(bool twoDecks, bool equalizers) {
+PlaybackRig::PlaybackRig(bool twoDecks, bool equalizers, CRynHeadphonesMixer* headphones) {
     ResetEngineStateForTest();
     Engine().mainDialogWindow = host_.Handle();
     mixer_ = std::make_unique<CRynMainMixer>();
@@ -77,7 +77,7 @@ PlaybackRig::PlaybackRig(bool twoDecks, bool equalizers) {
         }
         decks_[d]->Initialise(nullptr, equalizers_[d].get(), nullptr, mixer_->Handle(), d);
     }
-    mixer_->Initialise(host_.Handle(), decks_[0].get(), decks_[1].get(), nullptr, nullptr);
+    mixer_->Initialise(host_.Handle(), decks_[0].get(), decks_[1].get(), headphones, nullptr);
     // Unity for deck A: full levels, and the wedge curve gives the deck at
     // the fader's end all of its level.
     MainMixerPanel& panel = mixer_->Panel();

@@ -18,6 +18,7 @@
 
 class CRynDeck;
 class CRynEqualizer;
+class CRynHeadphonesMixer;
 class CRynMainMixer;
 
 namespace testsupport {
@@ -34,8 +35,10 @@ class PlaybackRig {
   public:
     // Resets the engine state, opens the manual Null device and creates the
     // decks (deck B only when twoDecks), each with its equalizer window when
-    // equalizers.
-    explicit PlaybackRig(bool twoDecks = false, bool equalizers = false);
+    // equalizers; the main mixer gets `headphones` (not owned) when one is
+    // given.
+    explicit PlaybackRig(bool twoDecks = false, bool equalizers = false,
+                         CRynHeadphonesMixer* headphones = nullptr);
     ~PlaybackRig();
 
     CRynMainMixer& Mixer() { return *mixer_; }

@@ -51,6 +51,12 @@ void CRynAudioOutput::CloseDevice() {
     engine_.reset();
 }
 
+std::unique_ptr<CRynSoundEngine> CRynAudioOutput::DetachEngine() {
+    if (engine_)
+        engine_->ReleaseAll();
+    return std::move(engine_);
+}
+
 CRynSoundEngine* CRynAudioOutput::Live(int deck) const {
     if (!ValidDeck(deck) || !engine_ || !engine_->HasDevice())
         return nullptr;

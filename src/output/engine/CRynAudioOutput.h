@@ -51,6 +51,10 @@ class CRynAudioOutput {
     SoundStatus OpenDevice(std::unique_ptr<sound::SoundDevice> device, WindowHandle window);
     // No device any more (the "disabled" choice).
     void CloseDevice();
+    // No device any more, without closing it: the engine (its buffers
+    // released) is handed to the caller, for a device that stopped answering
+    // and may block when it is closed.
+    std::unique_ptr<CRynSoundEngine> DetachEngine();
 
     bool HasDevice() const { return engine_ && engine_->HasDevice(); }
     CRynSoundEngine* SoundEngine() { return engine_.get(); }

@@ -56,7 +56,7 @@ void MixCycle::MixStep(int deck, bool catchUp) {
     FollowDirection(deck);
     const int play = main_->ForwardPlayCursor(deck).bytes;
     if (syncHeadphones)
-        syncHeadphones(deck, play, NowSeconds(), d->NominalRate());
+        syncHeadphones(deck, play, clock ? clock() : NowSeconds(), d->NominalRate());
     d->NoteCursors(main_->ReversePlayCursor(deck).bytes, main_->ReverseWriteCursor(deck).bytes);
     d->NoteForwardCursors(play, main_->ForwardWriteCursor(deck).bytes);
 
@@ -162,4 +162,25 @@ void MixCycle::SetForwardFrequency(int deck, int hz) {
 
 void MixCycle::SetForwardPosition(int deck, int block) {
     OnBoth([&](CRynAudioOutput& o) { o.SetForwardPosition(deck, block); });
+}
+
+void MixCycle::AttachHeadphones() {
+    if (!main_ || !headphones_ || !headphones_->HasDevice() || !main_->HasDevice())
+        return;
+    for (int deck = 0; deck < kDeckCount; ++deck) {
+        CRynSoundEngine* m = main_->SoundEngine();
+        if (!m->Deck(deck).forward)
+            continue;
+        headphones_->CreateDeckBuffers(deck, m->Deck(deck).rate, false);
+        CRynSoundEngine::DeckBuffers& h = headphones_->SoundEngine()->Deck(deck);
+        h.forwardWrite = m->Deck(deck).forwardWrite;
+        h.reverseWrite = m->Deck(deck).reverseWrite;
+        headphones_->SetForwardPositionBytes(deck, main_->ForwardPlayCursor(deck).bytes);
+        headphones_->SetForwardFrequency(deck, main_->ForwardFrequency(deck));
+        headphones_->SetReverseFrequency(deck, main_->ForwardFrequency(deck));
+        if (main_->IsForwardPlaying(deck))
+            headphones_->PlayForward(deck);
+        if (main_->IsReversePlaying(deck))
+            headphones_->PlayReverse(deck);
+    }
 }

@@ -31,6 +31,14 @@ class MixCycle : public MixStepSink {
     // cursor (bytes) at each step: (deck, cursor, now in seconds, the deck's
     // nominal rate). Not set: nothing is aligned.
     std::function<void(int, int, double, double)> syncHeadphones;
+    // The clock of the alignment, seconds; unset: the monotonic clock (tests
+    // hand in the simulated time of their devices).
+    std::function<double()> clock;
+
+    // A headphones device was just opened: each deck with buffers on the main
+    // device gets them on the headphones too, written from the main write
+    // cursor on, playing from the main play cursor at the main frequency.
+    void AttachHeadphones();
 
     void MixStep(int deck, bool catchUp) override;
     void ReverseStep(int deck) override;

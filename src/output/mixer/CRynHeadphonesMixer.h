@@ -1,13 +1,48 @@
-// The headphones mixer window (template 143): levels, balances and cross
-// fader of the cueing output. Shell for now: it knows the main mixer and the
-// decks' colours; its controls and output come with the headphones mixer.
+// The headphones mixer window (template 143): the disc jockey's cueing mix on
+// a second sound device. Every block the mix cycle writes goes to this
+// output as well as to the main one; what differs is each deck's level and
+// balance, the headphones cross fader and the device's volume.
+//
+// Each control's change event is the one place where its effect is applied,
+// so code and keys move the controls (the setters below) and the window does
+// the rest:
+//   deck level moved   -> headphones mix applied, level stored as
+//                         "phonesDeckXLevel"
+//   cross fader moved  -> headphones mix applied (right click: centre)
+//   deck balance moved -> that deck's pan on the headphones device
+//   volume moved       -> the device's master gain, main-mixer line law,
+//                         balance 0
+//   Separate Ears on   -> deck A's balance to -1 (left ear), deck B's to +1;
+//                 off  -> both balances to 0
+// The headphones mix: the cross fader's gains (the same curve family as the
+// main mixer's, following its curve selector) times the two levels, as the
+// deck gains of the headphones device only.
+//
+// A device that cannot be opened or stops playing loses only the headphones
+// sound: the output is closed, the volume slide disabled and a message
+// shown; the main device is not touched.
+//
+// Its two plots and their type and count buttons show the headphones output;
+// the plots are drawn by the graphs pass of the main mixer.
+//
+// User-interface thread only.
 #pragma once
 
 #include <QColor>
+#include <QString>
 #include <array>
+#include <functional>
+#include <string>
 
 #include "core/CRynWindow.h"
 #include "output/engine/CRynAudioOutput.h"
+#include "output/engine/HeadphonesSync.h"
+#include "output/laws/CrossFaderGains.h"
+
+class CNiButton;
+class CNiGraph;
+class CNiSlide;
+class QLabel;
 
 class CNiSlide;
 
@@ -15,34 +50,119 @@ class CRynHeadphonesMixer : public CRynWindow {
     Q_OBJECT
   public:
     static constexpr int kTemplateId = 143;
+    // A headphones cursor that has not moved for this many mix steps while
+    // its buffer plays (about a second) means the device has stopped.
+    static constexpr int kStalledSteps = 40;
 
     explicit CRynHeadphonesMixer(QWidget* parent = nullptr);
+    ~CRynHeadphonesMixer() override;
 
+    // Start-up: places the controls and restores the two levels and the
+    // plot settings.
     void Initialise(WindowHandle mainMixer);
     WindowHandle MainMixer() const { return mainMixer_; }
 
-    // The two colours of deck `deck` (its plots and pointers are drawn in them).
+    // The two colours of deck `deck` (its level pointer is drawn in them).
     void SetDeckColours(int deck, const QColor& first, const QColor& second);
     QColor DeckColour(int deck, int which) const { return colours_[deck][which]; }
 
     // The headphones output (no device until one is chosen for it).
     CRynAudioOutput& Output() { return output_; }
 
-    // The slides the keys move (Ctrl with the main mixer's keys): the deck
-    // levels (0 … 1), the cross fader (-1 … +1) and the volume (0 … 1).
-    CNiSlide* DeckLevelSlide(int deck) const { return levels_[deck == 1 ? 1 : 0]; }
+    // Opens the device `identifier` (sound::EnumerateDevices) for the
+    // headphones: volume slide enabled and set from the device, cross fader
+    // to 0, mix applied. "" closes the output (volume 0, slide disabled).
+    // False when the device could not be opened: the headphones are then off
+    // and the message has been shown.
+    bool OpenDevice(const std::string& identifier);
+    // Takes an opened device (tests: Null devices with their own clock).
+    bool OpenDevice(std::unique_ptr<sound::SoundDevice> device);
+    // A headphones device is open (its volume slide is enabled).
+    bool IsActive() const;
+
+    // The main mixer's curve selector moved: same curve here, mix applied.
+    void SetCurve(float c);
+    const CrossFaderGains& Gains() const { return gains_; }
+
+    // The headphones mix again (levels and cross fader), and deck `deck`'s
+    // headphones balance: new deck buffers carry no settings.
+    void ApplyMix();
+    void ApplyPan(int deck);
+
+    // The drift correction for `deck` against the main forward play cursor
+    // `mainCursor` (bytes) at `nowSeconds`, with the diagnostics recorded in
+    // the engine state (drift as 16 bits, the headphones forward frequency,
+    // the deck rate). Stops the headphones when their device has stalled.
+    HeadphonesSync::Step SyncToMain(int deck, int mainCursor, double nowSeconds, double deckRate);
+    HeadphonesSync& Sync() { return sync_; }
+
+    // The keys' setters: they move the controls, whose events do the work.
+    void SetLevel(int deck, float level);
+    void SetBalance(int deck, float balance);
+    void SetCrossFader(float position);
+    void SetVolume(float volume);
+    void SetSeparateEars(bool on);
+    void ToggleSeparateEars();
+
+    float Level(int deck) const;
+    float Balance(int deck) const;
+    float CrossFader() const;
+    float Volume() const;
+    bool SeparateEars() const;
+
+    // The controls, for the keys and the tests.
+    CNiSlide* LevelSlide(int deck) const { return levels_[deck == 1 ? 1 : 0]; }
+    CNiSlide* BalanceSlide(int deck) const { return balances_[deck == 1 ? 1 : 0]; }
     CNiSlide* CrossFaderSlide() const { return crossFader_; }
     CNiSlide* VolumeSlide() const { return volume_; }
+    CNiButton* SeparateEarsButton() const { return separateEars_; }
+    CNiGraph* Plot(int which) const { return plots_[which == 1 ? 1 : 0]; }
+    CNiButton* PlotTypeButton(int which) const { return plotTypes_[which == 1 ? 1 : 0]; }
+    CNiButton* PlotCountButton() const { return plotCount_; }
+    // The line under the controls: the device in use or what went wrong.
+    QString StatusText() const;
+
+    // Shows a problem to the user. Default: a message box that does not block.
+    std::function<void(const QString&)> showMessage;
 
   protected:
     // The close box hides the window and tells the main mixer.
     void closeEvent(QCloseEvent* event) override;
 
   private:
+    void BuildControls();
+    void LayOut();
+    void Connect();
+    void OnLevelMoved(int deck);
+    void OnVolumeMoved();
+    void OnSeparateEars(bool on);
+    void OnPlotCount(bool two);
+    bool Opened(const QString& name);
+    // The headphones are lost: output closed (or, for a device that stopped
+    // answering, set aside unclosed), volume off, message shown.
+    void Lose(const QString& message, bool stalled = false);
+    void NoteStall(int deck);
+
     WindowHandle mainMixer_ = 0;
     std::array<std::array<QColor, 2>, 2> colours_{};
     CRynAudioOutput output_;
+    // A device that stopped answering: closing it may block until its sound
+    // server answers, so it is closed only when another device is chosen or
+    // the mixer goes.
+    std::unique_ptr<CRynSoundEngine> stalledEngine_;
+    CrossFaderGains gains_;
+    HeadphonesSync sync_;
+    bool loading_ = false;  // levels set from the settings are not stored back
+    std::array<int, kDeckCount> lastCursor_{-1, -1};
+    std::array<int, kDeckCount> stalled_{};
+
     std::array<CNiSlide*, 2> levels_{};
+    std::array<CNiSlide*, 2> balances_{};
     CNiSlide* crossFader_ = nullptr;
     CNiSlide* volume_ = nullptr;
+    CNiButton* separateEars_ = nullptr;
+    std::array<CNiGraph*, 2> plots_{};
+    std::array<CNiButton*, 2> plotTypes_{};
+    CNiButton* plotCount_ = nullptr;
+    QLabel* status_ = nullptr;
 };

@@ -2,9 +2,11 @@
 
 #include <QCloseEvent>
 #include <QDebug>
+#include <QScreen>
 #include <QThread>
 #include <QVBoxLayout>
 
+#include "controls/CNiButton.h"
 #include "core/EngineState.h"
 #include "core/WorkerThread.h"
 #include "deck/CRynDeck.h"
@@ -13,9 +15,14 @@
 #include "deck/transport/DeckTransport.h"
 #include "deck/turntable/TurntableController.h"
 #include "deck/turntable/TurntableLaw.h"
+#include "dsp/window/CRyn3DGraph.h"
 #include "dsp/window/CRynEqualizer.h"
+#include "output/mixer/CRynHeadphonesMixer.h"
 #include "platform/sound/SoundSystem.h"
+#include "playlist/window/CRynPlayList.h"
 #include "settings/CRynSettings.h"
+#include "settings/window/CRynConfigure.h"
+#include "settings/window/DeviceTable.h"
 
 CRynMainMixer::CRynMainMixer(QWidget* parent)
     : CRynWindow("CRynMainMixer", kTemplateId, parent), notify_(Engine()) {
@@ -42,7 +49,21 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
     headphones_ = headphones;
     graph3d_ = graph3d;
     Engine().mainMixerWindow = Handle();
-    cycle_.BindOutputs(&mainOutput_, cycle_.Headphones());
+    cycle_.BindOutputs(&mainOutput_, headphones_ ? &headphones_->Output() : cycle_.Headphones());
+    if (headphones_) {
+        CRynHeadphonesMixer* phones = headphones_;
+        cycle_.syncHeadphones = [phones](int deck, int cursor, double now, double rate) {
+            if (phones->IsActive())
+                phones->SyncToMain(deck, cursor, now, rate);
+        };
+        panel_->onCurveChanged = [phones](float c) { phones->SetCurve(c); };
+        phones->SetCurve(panel_->Curve());
+    }
+    panel_->onShowPhones = [this](bool show) {
+        if (headphones_)
+            headphones_->setVisible(show);
+    };
+    panel_->onShowOptions = [this](bool show) { ShowOptionsWindow(show); };
     for (int d = 0; d < 2; ++d) {
         if (decks_[d])
             panel_->SetDeckColours(d, decks_[d]->Colour(0), decks_[d]->Colour(1));
@@ -114,6 +135,57 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
     panel_->SetVolume(static_cast<float>(
         (mainOutput_.MasterLeftPercent() + mainOutput_.MasterRightPercent()) * 0.005));
     panel_->SetBalance(0.0f);
+}
+
+void CRynMainMixer::ChooseHeadphonesDevice(const std::string& identifier) {
+    if (!headphones_)
+        return;
+    if (headphones_->OpenDevice(identifier) && !identifier.empty()) {
+        cycle_.AttachHeadphones();
+        headphones_->ApplyMix();
+        for (int d = 0; d < 2; ++d)
+            headphones_->ApplyPan(d);
+    }
+}
+
+void CRynMainMixer::ShowOptionsWindow(bool show) {
+    if (!configure_)
+        return;
+    if (!show) {
+        configure_->hide();
+        return;
+    }
+    // 500 by 280 pixels, centred on the screen of the main mixer.
+    const QRect area = screen() ? screen()->availableGeometry() : QRect(0, 0, 1024, 768);
+    configure_->setGeometry(area.x() + (area.width() - 500) / 2,
+                            area.y() + (area.height() - 280) / 2, 500, 280);
+    configure_->show();
+    configure_->raise();
+}
+
+void CRynMainMixer::ShowTitleBars(bool on) {
+    std::vector<QWidget*> windows{headphones_, graph3d_};
+    for (CRynDeck* deck : decks_) {
+        if (!deck)
+            continue;
+        windows.push_back(deck);
+        windows.push_back(deck->Info());
+        windows.push_back(deck->Equalizer());
+        windows.push_back(deck->PlayListWindow());
+    }
+    for (QWidget* w : windows) {
+        if (!w || w->testAttribute(Qt::WA_DontShowOnScreen) ||
+            w->windowFlags().testFlag(Qt::FramelessWindowHint) == !on)
+            continue;
+        // A change of flags hides the window: its rectangle and visibility
+        // are put back.
+        const QRect rect = w->geometry();
+        const bool shown = w->isVisible();
+        w->setWindowFlag(Qt::FramelessWindowHint, !on);
+        w->setGeometry(rect);
+        if (shown)
+            w->show();
+    }
 }
 
 void CRynMainMixer::LayoutBuilt() {
@@ -288,9 +360,36 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             for (int d = 0; d < 2; ++d)
                 ChangeLatency(d, WriteAheadTarget::Override::Maximum, lParam == 0);
             return 0;
-        case UWM_SET_SOUND_DEVICE:
-            if (wParam == 0)
-                ChooseMainDevice(lParam != 0 ? StartupDeviceIdentifier() : std::string());
+        case UWM_SET_SOUND_DEVICE: {
+            // lParam: the chosen item of the configuration window's device
+            // table, 0 for the disabled entry. MIXORA_SOUND_DEVICE still
+            // forces the main device.
+            const QByteArray forced = qgetenv("MIXORA_SOUND_DEVICE");
+            std::string id = device_table::Identifier(lParam);
+            if (wParam == 0) {
+                if (lParam != 0 && !forced.isEmpty())
+                    id = forced.toStdString();
+                else if (lParam != 0 && id.empty())
+                    id = StartupDeviceIdentifier();
+                ChooseMainDevice(id);
+            } else if (wParam == 1) {
+                ChooseHeadphonesDevice(id);
+            }
+            return 0;
+        }
+        case UWM_GRAPH_NUMBER_TYPE:
+            // (1, 0) for floats, (0, 1) for integers.
+            Settings().SetUseIntegersForGraphs(lParam != 0);
+            return 0;
+        case UWM_TITLE_BARS:
+            ShowTitleBars(wParam != 0);
+            Settings().SetTitleBarsOnState(wParam != 0);
+            return 0;
+        case UWM_WINDOW_CLOSED:
+            if (wParam == static_cast<WParam>(CRynHeadphonesMixer::kTemplateId))
+                panel_->ShowPhonesButton()->SetValue(false);
+            else if (wParam == static_cast<WParam>(CRynConfigure::kTemplateId))
+                panel_->ShowOptionsButton()->SetValue(false);
             return 0;
         case UWM_TICK:
             OnTick();
@@ -376,6 +475,11 @@ LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
             // New buffers carry no settings: the deck's tempo again (the
             // deck recomputes and sends its frequency).
             panel_->ApplyCrossFader();
+            if (headphones_) {
+                headphones_->Sync().Reset(deck);
+                headphones_->ApplyMix();
+                headphones_->ApplyPan(deck);
+            }
             if (decks_[deck])
                 decks_[deck]->ApplyTempo();
             if (onBuffersCreated)

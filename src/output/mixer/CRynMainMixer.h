@@ -71,8 +71,15 @@ class CRynMainMixer : public CRynWindow {
     const WriteAheadTarget& Target(int deck) const { return targets_[deck]; }
 
     // Called after a deck's buffers were rebuilt (the headphones mix and the
-    // deck's pans are applied again there).
+    // deck's pans are applied again before).
     std::function<void(int deck)> onBuffersCreated;
+
+    // Opens the headphones device `identifier` ("" for none) and gives it the
+    // decks that already have buffers on the main device, in step with them.
+    void ChooseHeadphonesDevice(const std::string& identifier);
+    // The configuration window the "Show Options Window" button shows (not
+    // owned; null: none).
+    void SetConfigureWindow(QWidget* configure) { configure_ = configure; }
 
     // The CD drive deck `deck` holds, -1 for none.
     int DriveOf(int deck) const { return drives_[deck]; }
@@ -121,12 +128,17 @@ class CRynMainMixer : public CRynWindow {
     void ScratchDone(int deck);
     void OnTick();
     void OnOverloadLampChanged();
+    // UWM_TITLE_BARS: every working window but the main mixer with or
+    // without its title bar.
+    void ShowTitleBars(bool on);
+    void ShowOptionsWindow(bool show);
     static bool ValidDeck(WParam deck) { return deck < 2; }
 
     WindowHandle host_ = 0;
     std::array<CRynDeck*, 2> decks_{};
     CRynHeadphonesMixer* headphones_ = nullptr;
     CRyn3DGraph* graph3d_ = nullptr;
+    QWidget* configure_ = nullptr;
     CRynAudioOutput mainOutput_;
     MixCycle cycle_;
     MixStepSink* sink_ = &cycle_;

@@ -141,6 +141,17 @@ void MainMixerPanel::BuildControls() {
     autoPanButton_->SetAction(CNiButton::kSwitchWhenPressed);
     autoPanButton_->SetColors(QColor(60, 230, 90), QColor(10, 40, 14));
 
+    const auto showButton = [this](const QString& name) {
+        auto* b = new CNiButton(name, name, this);
+        b->setObjectName(name);
+        b->SetStyle(CNiButton::kLedButton);
+        b->SetAction(CNiButton::kSwitchWhenPressed);
+        b->SetColors(QColor(60, 230, 90), QColor(10, 40, 14));
+        return b;
+    };
+    showPhones_ = showButton(QStringLiteral("Show Phones Mixer"));
+    showOptions_ = showButton(QStringLiteral("Show Options Window"));
+
     autoPanSpeed_ = new CNiSlide(Qt::Horizontal, this);
     autoPanSpeed_->setObjectName(QStringLiteral("Main Mixer Auto-Pan Speed"));
     autoPanSpeed_->SetPointerStyle(0, CNiSlide::kThumb);
@@ -208,6 +219,13 @@ void MainMixerPanel::LayOut() {
     bottom->addWidget(autoPanButton_, 0, Qt::AlignTop);
     bottom->addLayout(captioned(autoPanSpeed_, QStringLiteral("pan speed")), 2);
 
+    auto* shows = new QHBoxLayout;
+    shows->setSpacing(6);
+    for (CNiButton* b : {showPhones_, showOptions_}) {
+        b->setFixedHeight(22);
+        shows->addWidget(b);
+    }
+
     auto* v = new QVBoxLayout(this);
     v->setContentsMargins(6, 6, 6, 6);
     v->setSpacing(4);
@@ -215,6 +233,7 @@ void MainMixerPanel::LayOut() {
     v->addWidget(Caption(QStringLiteral("cross fader"), this));
     v->addLayout(fader);
     v->addLayout(bottom);
+    v->addLayout(shows);
 }
 
 void MainMixerPanel::Connect() {
@@ -262,6 +281,15 @@ void MainMixerPanel::Connect() {
     connect(autoPanButton_, &CNiButton::valueChanged, this, &MainMixerPanel::OnAutoPanButton);
     connect(autoPanSpeed_, &CNiSlide::valueChanged, this,
             [this](double v) { autoPan_.SetSpeed(static_cast<float>(v)); });
+
+    connect(showPhones_, &CNiButton::valueChanged, this, [this](bool on) {
+        if (onShowPhones)
+            onShowPhones(on);
+    });
+    connect(showOptions_, &CNiButton::valueChanged, this, [this](bool on) {
+        if (onShowOptions)
+            onShowOptions(on);
+    });
 
     connect(&catchUpTimer_, &QTimer::timeout, this, [this] { catchUp_ = false; });
     connect(&autoPanTimer_, &QTimer::timeout, this, &MainMixerPanel::OnAutoPanTick);

@@ -141,11 +141,16 @@ class MainMixerPanel : public QWidget {
     CNiSlide* BalanceSlide() const { return balance_; }
     CNiButton* AutoPanButton() const { return autoPanButton_; }
     CNiSlide* AutoPanSpeedSlide() const { return autoPanSpeed_; }
+    CNiButton* ShowPhonesButton() const { return showPhones_; }
+    CNiButton* ShowOptionsButton() const { return showOptions_; }
 
     // The curve parameter went to the headphones mixer's curve.
     std::function<void(float)> onCurveChanged;
     // The cross fader moved (after it was applied).
     std::function<void()> onCrossFaderMoved;
+    // "Show Phones Mixer" and "Show Options Window" pressed: show or hide.
+    std::function<void(bool)> onShowPhones;
+    std::function<void(bool)> onShowOptions;
 
   private:
     void BuildControls();
@@ -180,6 +185,8 @@ class MainMixerPanel : public QWidget {
     CNiSlide* balance_ = nullptr;
     CNiButton* autoPanButton_ = nullptr;
     CNiSlide* autoPanSpeed_ = nullptr;
+    CNiButton* showPhones_ = nullptr;
+    CNiButton* showOptions_ = nullptr;
     std::array<QColor, 2> deckColours_{};
 
     CrossFaderGains gains_;  // the curve in use, drawn in the plot

@@ -2,138 +2,23 @@
 // dummy driver, PortAudio's JACK host API, a 1 kHz tone played through a
 // looping buffer and read back by a small JACK client of the test.
 #include <gtest/gtest.h>
-#include <jack/jack.h>
 
 #include <QCoreApplication>
-#include <QDir>
-#include <QProcess>
 #include <QStandardPaths>
-#include <atomic>
 #include <cmath>
 #include <cstdlib>
 #include <numbers>
 #include <vector>
 
+#include "JackTestSupport.h"
 #include "TestSupport.h"
 #include "core/SyncEvent.h"
 #include "platform/sound/SoundSystem.h"
 
 namespace {
 
-// A JACK server of our own, named after the test process so parallel test
-// processes never share one; stopped by its PID.
-class JackServer {
-  public:
-    explicit JackServer(QString name) : name_(std::move(name)) {}
-    ~JackServer() { Stop(); }
-
-    bool Start() {
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("JACK_NO_AUDIO_RESERVATION", "1");
-        process_.setProcessEnvironment(env);
-        process_.setProcessChannelMode(QProcess::MergedChannels);
-        process_.start("jackd",
-                       {"-n", name_, "--no-realtime", "-d", "dummy", "-r", "44100", "-p", "256"});
-        if (!process_.waitForStarted(10000))
-            return false;
-        return testsupport::Run("jack_wait", {"-s", name_, "-w", "-t", "10"}, 20000);
-    }
-
-    void Stop() {
-        if (process_.state() != QProcess::NotRunning) {
-            process_.terminate();
-            if (!process_.waitForFinished(5000)) {
-                process_.kill();
-                process_.waitForFinished(5000);
-            }
-        }
-        // The server's own files; the shared registry only when no other
-        // server is left.
-        QDir shm("/dev/shm");
-        const QStringList ours = shm.entryList(
-            {"jack_" + name_ + "_*", "jack_sem.*_" + name_ + "_*"}, QDir::System | QDir::Files);
-        for (const QString& f : ours)
-            shm.remove(f);
-        if (shm.entryList({"jack_*_*_0"}, QDir::System).isEmpty()) {
-            for (const QString& f : shm.entryList({"jack-*", "jack_sem.*"}, QDir::Files))
-                shm.remove(f);
-            for (const QString& d : shm.entryList({"jack_db-*"}, QDir::Dirs))
-                QDir(shm.filePath(d)).removeRecursively();
-        }
-    }
-
-    QByteArray Log() { return process_.readAll(); }
-
-  private:
-    QString name_;
-    QProcess process_;
-};
-
-// Records the two inputs into preallocated memory from JACK's process thread.
-class Recorder {
-  public:
-    explicit Recorder(std::size_t frames) : left_(frames), right_(frames) {}
-    ~Recorder() { Close(); }
-
-    bool Open(const char* server) {
-        jack_status_t status;
-        client_ = jack_client_open("mixora-probe",
-                                   static_cast<jack_options_t>(JackNoStartServer | JackServerName),
-                                   &status, server);
-        if (client_ == nullptr)
-            return false;
-        inL_ = jack_port_register(client_, "in_l", JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput, 0);
-        inR_ = jack_port_register(client_, "in_r", JACK_DEFAULT_AUDIO_TYPE, JackPortIsInput, 0);
-        rate_ = static_cast<int>(jack_get_sample_rate(client_));
-        jack_set_process_callback(client_, &Recorder::Process, this);
-        return inL_ && inR_ && jack_activate(client_) == 0;
-    }
-
-    bool Connect(const char* left, const char* right) {
-        return jack_connect(client_, left, jack_port_name(inL_)) == 0 &&
-               jack_connect(client_, right, jack_port_name(inR_)) == 0;
-    }
-
-    bool PortExists(const char* name) { return jack_port_by_name(client_, name) != nullptr; }
-    void Begin() { recording_.store(true); }
-    std::size_t Recorded() const { return count_.load(); }
-    bool Full() const { return count_.load() >= left_.size(); }
-    const std::vector<float>& Left() const { return left_; }
-    const std::vector<float>& Right() const { return right_; }
-    int Rate() const { return rate_; }
-
-    void Close() {
-        if (client_) {
-            jack_deactivate(client_);
-            jack_client_close(client_);
-            client_ = nullptr;
-        }
-    }
-
-  private:
-    static int Process(jack_nframes_t n, void* arg) {
-        auto* self = static_cast<Recorder*>(arg);
-        if (!self->recording_.load())
-            return 0;
-        const auto* l = static_cast<const float*>(jack_port_get_buffer(self->inL_, n));
-        const auto* r = static_cast<const float*>(jack_port_get_buffer(self->inR_, n));
-        std::size_t at = self->count_.load(std::memory_order_relaxed);
-        for (jack_nframes_t i = 0; i < n && at < self->left_.size(); ++i, ++at) {
-            self->left_[at] = l[i];
-            self->right_[at] = r[i];
-        }
-        self->count_.store(at, std::memory_order_release);
-        return 0;
-    }
-
-    jack_client_t* client_ = nullptr;
-    jack_port_t* inL_ = nullptr;
-    jack_port_t* inR_ = nullptr;
-    int rate_ = 0;
-    std::vector<float> left_, right_;
-    std::atomic<bool> recording_{false};
-    std::atomic<std::size_t> count_{0};
-};
+using testsupport::JackRecorder;
+using testsupport::JackTestServer;
 
 double Frequency(const std::vector<float>& s, int rate) {
     double first = -1, last = -1;
@@ -162,7 +47,7 @@ TEST(JackOutputTest, ToneThroughPortAudioJackIsHeardAtItsPitchAndLevel) {
         QStandardPaths::findExecutable("jack_wait").isEmpty())
         GTEST_SKIP() << "jackd is not installed (Debian package jackd2)";
     const QString name = QString("mixora-sound-%1").arg(QCoreApplication::applicationPid());
-    JackServer server(name);
+    JackTestServer server(name);
     if (!server.Start())
         GTEST_SKIP() << "jackd with the dummy driver did not start: " << server.Log().constData();
     const QByteArray serverName = name.toUtf8();
@@ -199,8 +84,8 @@ TEST(JackOutputTest, ToneThroughPortAudioJackIsHeardAtItsPitchAndLevel) {
     tone->SetNotificationPositions(&atStart, 1);
     ASSERT_EQ(tone->Play(true), kStatusOk);
 
-    Recorder recorder(44100);
-    ASSERT_TRUE(recorder.Open(serverName.constData()));
+    JackRecorder recorder(44100);
+    ASSERT_TRUE(recorder.Open("mixora-probe", serverName.constData()));
     ASSERT_TRUE(
         testsupport::WaitFor([&] { return recorder.PortExists("PortAudio:out_1"); }, 10000));
     ASSERT_TRUE(recorder.Connect("PortAudio:out_0", "PortAudio:out_1"));
