@@ -258,10 +258,13 @@ bool CMixoraDlg::StartUp() {
     mainMixer_->ChooseMainDevice(device);
     ShellLog(QStringLiteral("main device %1").arg(QString::fromStdString(device)));
 
-    // Each deck in its stored mode and time display.
+    // Each deck in its stored mode and time display; its equalizer in its
+    // stored arithmetic and settings.
     for (int d = 0; d < 2; ++d) {
         decks_[d]->SetDeckMode(Settings().GetDeckMode(d));
         decks_[d]->SetTimeDisplayMode(Settings().GetTimeDisplayMode(d));
+        decks_[d]->SetEqNumberType(Settings().GetDeckEQNumberType(d) == 1);
+        equalizers_[d]->ApplyStoredSettings();
     }
 
     const bool low = ChooseLowResolution(screen.width(), screen.height());

@@ -4,11 +4,13 @@
 #include <QComboBox>
 #include <QGridLayout>
 #include <QLabel>
+#include <QSignalBlocker>
 
 #include "controls/CNiButton.h"
 #include "controls/CNiSlide.h"
 #include "core/EngineState.h"
 #include "deck/CRynDeckInfo.h"
+#include "deck/block/DeckBlockWork.h"
 #include "deck/disc/CRynDiscBuffer.h"
 #include "deck/source/DeckSource.h"
 #include "deck/tempo/DeckTempoPanel.h"
@@ -58,6 +60,7 @@ CNiButton* MakeLed(QWidget* parent, const QString& caption) {
 CRynDeck::CRynDeck(QWidget* parent) : CRynWindow("CRynDeck", kTemplateId, parent) {
     resize(560, 330);
     decoder_ = std::make_unique<CRynFileDecoder>();
+    blockWork_ = std::make_unique<DeckBlockWork>();
     BuildControls();
 }
 
@@ -95,6 +98,12 @@ void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlay
     transport_->SetUnderrunHandler([this] { OnTrackEnded(); });
     transport_->SetEndHeardHandler([this] { OnEndHeard(); });
     Disc().SetSource(source_.get());
+    blockWork_->SetEqualizer(equalizer_);
+    Disc().SetBlockRoutine(blockWork_.get());
+    if (equalizer_) {
+        equalizer_->installEventFilter(this);
+        showEqualizer_->SetValue(equalizer_->isVisible());
+    }
     Disc().SetLedsChanged([this] {
         const CRynDiscBuffer::Leds& l = Disc().GetLeds();
         freshDataLed_->SetValue(l.freshDataLow);
@@ -120,6 +129,12 @@ void CRynDeck::SetCdAudio(CRynCdAudio* cd) {
 
 CRynDiscBuffer& CRynDeck::Disc() {
     return transport_->Disc();
+}
+
+void CRynDeck::SetEqNumberType(bool ints) {
+    blockWork_->SetIntegerArithmetic(ints);
+    if (equalizer_)
+        equalizer_->SetIntegerArithmetic(ints);
 }
 
 bool CRynDeck::IsReverse() const {
@@ -444,6 +459,16 @@ void CRynDeck::OnWindowTimer(int id) {
         default:
             break;
     }
+}
+
+bool CRynDeck::eventFilter(QObject* watched, QEvent* event) {
+    if (equalizer_ && watched == equalizer_ && !event->spontaneous() &&
+        (event->type() == QEvent::Show || event->type() == QEvent::Hide)) {
+        // Only the toggle moves: the window is already where it shows.
+        const QSignalBlocker quiet(showEqualizer_);
+        showEqualizer_->SetValue(event->type() == QEvent::Show);
+    }
+    return CRynWindow::eventFilter(watched, event);
 }
 
 void CRynDeck::closeEvent(QCloseEvent* event) {

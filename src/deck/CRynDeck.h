@@ -38,6 +38,7 @@ class CRynDiscBuffer;
 class CRynEqualizer;
 class CRynFileDecoder;
 class CRynPlayList;
+class DeckBlockWork;
 class DeckSource;
 class DeckTempoPanel;
 class DeckTransport;
@@ -87,6 +88,11 @@ class CRynDeck : public CRynWindow {
     DeckTransport& Transport() { return *transport_; }
     CRynDiscBuffer& Disc();
     DeckTempoPanel& Tempo() { return *tempo_; }
+    // The block routine FillBlock runs: split, meters, equalizer, join,
+    // band analysis. The measurements plug in there.
+    DeckBlockWork& BlockWork() { return *blockWork_; }
+    // The equalizer's arithmetic: true for 16-bit ("Ints"), false for float.
+    void SetEqNumberType(bool ints);
 
     // The deck's two colours: `which` 0 is its main colour, 1 its dark shade.
     QColor Colour(int which) const;
@@ -173,6 +179,9 @@ class CRynDeck : public CRynWindow {
     // The close box hides the window and tells the main mixer.
     void closeEvent(QCloseEvent* event) override;
     void OnWindowTimer(int id) override;
+    // The show-equalizer toggle follows the equalizer window however it is
+    // shown or hidden (start-up layout, close box, the toggle itself).
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
     void BuildControls();
@@ -207,6 +216,7 @@ class CRynDeck : public CRynWindow {
     std::unique_ptr<CRynFileDecoder> decoder_;
     std::unique_ptr<DeckSource> source_;
     DeckInfoStats ownStats_;  // when no information window is given
+    std::unique_ptr<DeckBlockWork> blockWork_;
     std::unique_ptr<DeckTransport> transport_;
 
     // Window state.

@@ -10,6 +10,7 @@
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
 #include "deck/transport/DeckTransport.h"
+#include "dsp/window/CRynEqualizer.h"
 #include "platform/sound/SoundSystem.h"
 #include "settings/CRynSettings.h"
 
@@ -230,6 +231,8 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
         case UWM_LATENCY_QUARTER:
         case UWM_ASSIGN_CD_DRIVE:
         case UWM_DECK_INFO_UPDATE:
+        case UWM_EQ_NUMBER_TYPE:
+        case UWM_EQ_TYPE:
             return ValidDeck(wParam) ? OnDeckMessage(msg, static_cast<int>(wParam), lParam) : 0;
         case UWM_LATENCY_MAXIMUM:
             for (int d = 0; d < 2; ++d)
@@ -327,6 +330,20 @@ LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
         case UWM_DECK_INFO_UPDATE:
             if (decks_[deck] && decks_[deck]->Info())
                 decks_[deck]->Info()->Refresh();
+            break;
+        case UWM_EQ_NUMBER_TYPE:
+            // 1 = "Ints" (16-bit), 0 = "Floats"; applied and stored here.
+            if (decks_[deck])
+                decks_[deck]->SetEqNumberType(lParam != 0);
+            Settings().SetDeckEQNumberType(deck, lParam != 0 ? 1 : 0);
+            break;
+        case UWM_EQ_TYPE:
+            // 1 = the program's own equalizer ("Orvane"), 0 = the device's.
+            if (decks_[deck] && decks_[deck]->Equalizer()) {
+                decks_[deck]->Equalizer()->SetEqualizerType(
+                    lParam != 0 ? CRynEqualizer::EqType::Own : CRynEqualizer::EqType::Device);
+            }
+            Settings().SetDeckEQType(deck, lParam != 0 ? 1 : 0);
             break;
         default:
             break;
