@@ -25,12 +25,13 @@
 
 #include "dsp/AnalysisBank.h"
 #include "dsp/BeatRange.h"
+#include "dsp/BlockAnalysis.h"
 #include "dsp/LevelLaws.h"
 #include "dsp/ScopeBand.h"
 
 namespace dsp {
 
-class DeckAnalysis {
+class DeckAnalysis : public BlockAnalysis {
   public:
     static constexpr int kSlots = 120;
     static constexpr int kMaxBands = AnalysisBank::kMaxBands;
@@ -48,7 +49,15 @@ class DeckAnalysis {
     };
 
     DeckAnalysis();
-    ~DeckAnalysis();
+    ~DeckAnalysis() override;
+
+    // The deck's block routine: meters before its equalizer, bands after.
+    void BeforeEqualizer(const BlockChannels& c) override {
+        MeasureChannels(c.outputSlot, c.left16, c.right16);
+    }
+    void AfterEqualizer(const BlockChannels& c) override {
+        AnalyzeBands(c.outputSlot, c.leftFloat, c.rightFloat);
+    }
 
     // Bands in plot: 2, 3, 6, 12 or 24 (others clamped to 2 … 24). Re-creates
     // the analysis bands and the scope groups.

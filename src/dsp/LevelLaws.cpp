@@ -32,10 +32,12 @@ double BandMilliDb(double sigma) {
 }
 
 double SmoothedLevel(const std::array<double, kBandHistory>& newestFirst) {
-    double s = 0.0;
-    for (int k = 0; k < kBandHistory; ++k)
+    double s = 0.0, w = 0.0;
+    for (int k = 0; k < kBandHistory; ++k) {
         s += kHistoryWeights[k] * newestFirst[k];
-    return s;
+        w += kHistoryWeights[k];
+    }
+    return s / w;
 }
 
 float BeatValue(double level, double low, double high) {

@@ -29,8 +29,11 @@ ChannelLevels MeasureChannel(std::span<const std::int16_t> samples);
 // 0 when σ is below one 16-bit step.
 double BandMilliDb(double sigma);
 
-// The smoothed band level from a channel's history h (newest first):
-// Σ w_k·h_k with w = (1.0, 0.9, 0.8, 0.4, 0.2).
+// The smoothed band level from a channel's history h (newest first): the
+// weighted mean Σ w_k·h_k / Σ w_k with w = (1.0, 0.9, 0.8, 0.4, 0.2). Dividing
+// by Σ w = 3.3 keeps a steady level where it is, so the sum of the two
+// channels stays within twice 20000·log10(32768) and under the beat range's
+// top of 280000 (the plain weighted sum would pin every loud band there).
 inline constexpr int kBandHistory = 5;
 inline constexpr std::array<double, kBandHistory> kHistoryWeights{1.0, 0.9, 0.8, 0.4, 0.2};
 double SmoothedLevel(const std::array<double, kBandHistory>& newestFirst);

@@ -61,8 +61,9 @@ TEST(LevelLaws, GroupsSmoothingAndBeatValue) {
     EXPECT_EQ(dsp::GroupsFor(2).groups, 2);
     EXPECT_EQ(dsp::GroupsFor(2).bandsPerGroup, 1);
     EXPECT_EQ(dsp::GroupsFor(24).bandsPerGroup, 8);
-    EXPECT_DOUBLE_EQ(dsp::SmoothedLevel({1000, 1000, 1000, 1000, 1000}), 3300.0);
-    EXPECT_DOUBLE_EQ(dsp::SmoothedLevel({1000, 0, 0, 0, 0}), 1000.0);
+    EXPECT_NEAR(dsp::SmoothedLevel({1000, 1000, 1000, 1000, 1000}), 1000.0, 1e-9);
+    EXPECT_NEAR(dsp::SmoothedLevel({3300, 0, 0, 0, 0}), 1000.0, 1e-9);
+    EXPECT_NEAR(dsp::SmoothedLevel({0, 0, 0, 0, 3300}), 200.0, 1e-9);
     EXPECT_EQ(dsp::BeatValue(50, 0, 100), 0.5f);
     EXPECT_EQ(dsp::BeatValue(150, 0, 100), 1.0f);
     EXPECT_EQ(dsp::BeatValue(-1, 0, 100), 0.0f);
@@ -218,10 +219,10 @@ TEST(DeckAnalysis, SlotsHoldWhatWasMeasuredAndCurrentValuesSmooth) {
         if (cur[e] > cur[loud])
             loud = e;
     const double first = cur[loud];
-    EXPECT_EQ(first, std::trunc(a.At(6).channels[0].bands[loud - 1]));
+    EXPECT_EQ(first, std::trunc(a.At(6).channels[0].bands[loud - 1] / 3.3));
     a.UpdateCurrent(6);
-    EXPECT_NEAR(a.CurrentValues()[loud], std::trunc(1.9 * a.At(6).channels[0].bands[loud - 1]),
-                1.0);
+    EXPECT_NEAR(a.CurrentValues()[loud],
+                std::trunc(1.9 / 3.3 * a.At(6).channels[0].bands[loud - 1]), 1.0);
 
     // Beat value of the selected band within the auto range.
     a.SetBeatBand(loud);

@@ -11,6 +11,7 @@
 #include "deck/CRynDeckInfo.h"
 #include "deck/transport/DeckTransport.h"
 #include "dsp/window/CRynEqualizer.h"
+#include "output/mixer/MixerMeters.h"
 #include "platform/sound/SoundSystem.h"
 #include "settings/CRynSettings.h"
 
@@ -21,7 +22,9 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(panel_);
-    resize(340, 300);
+    meters_ = new MixerMeters(this);
+    layout->addWidget(meters_);
+    resize(340, 400);
 }
 
 CRynMainMixer::~CRynMainMixer() {
@@ -45,6 +48,7 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
             panel_->SetDeckColours(d, decks_[d]->Colour(0), decks_[d]->Colour(1));
     }
     panel_->Initialise();
+    InitialiseMeters();
     for (int d = 0; d < 2; ++d) {
         cycle_.BindDeck(d, decks_[d] ? &decks_[d]->Transport() : nullptr);
         // Until the layout asks for a quarter, each deck runs at its user's
@@ -117,6 +121,7 @@ void CRynMainMixer::LayoutBuilt() {
     buildingLayout_ = false;
     for (int d = 0; d < 2; ++d)
         ChangeLatency(d, WriteAheadTarget::Override::Quarter, true);
+    ApplyStoredMeters();
 }
 
 void CRynMainMixer::ChangeLatency(int deck, WriteAheadTarget::Override which, bool request) {
@@ -190,6 +195,8 @@ void CRynMainMixer::PaceDisplay() {
 
 void CRynMainMixer::StopDeck(int deck) {
     Engine().decks[deck].isPlaying.store(0);
+    meters_->ClearDeck(deck);
+    lastDrawn_[deck] = -1;
     notify_.Stop(NotifyKind::Forward, deck);
     notify_.Stop(NotifyKind::Scratch, deck);
     StopReverse(deck);
@@ -204,11 +211,6 @@ void CRynMainMixer::StopReverse(int deck) {
 void CRynMainMixer::OnTick() {
     overloadLampOn_ = !overloadLampOn_;
     OnOverloadLampChanged();
-}
-
-void CRynMainMixer::OnOverloadLampChanged() {
-    // The lamp answers one tick: the user interface has caught up with it.
-    Engine().pendingTicks.fetch_sub(1);
 }
 
 LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
@@ -246,7 +248,10 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             OnTick();
             return 0;
         case UWM_GRAPHS_UPDATE:
-            ++graphsUpdates_;
+            DrawGraphsAndMeters();
+            return 0;
+        case UWM_GRAPH_NUMBER_TYPE:
+            SetGraphIntegers(lParam != 0);
             return 0;
         case UWM_GRAPHS_PRIORITY:
             if (e.graphsThread) {
