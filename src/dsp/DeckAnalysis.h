@@ -71,6 +71,11 @@ class DeckAnalysis : public BlockAnalysis {
     // The deck's scope time range slide; x = 0.033 · value, group g's
     // trace factor is x^(g+1).
     void SetScopeTimeRange(double value) { timeRange_ = value; }
+    // Scope traces are built only while a scope display wants them (the
+    // group filters are most of the analysis' cost); off, the slots keep
+    // their last traces.
+    void SetScopeWanted(bool on) { scopeWanted_ = on; }
+    bool ScopeWanted() const { return scopeWanted_; }
     double ScopeTimeRange() const { return timeRange_; }
 
     // The meters of the block as read (1176 samples per channel).
@@ -124,6 +129,7 @@ class DeckAnalysis : public BlockAnalysis {
     int beatBand_ = 1;
     bool integers_ = false;
     bool trigger_ = true;
+    bool scopeWanted_ = true;
     double timeRange_ = 3.0;
     long analysed_ = 0;
 };

@@ -20,13 +20,17 @@ float ScopeBand::At(int p) const {
     return p < kBlock ? ring_[oldest][p] : ring_[current_][p - kBlock];
 }
 
-int ScopeBand::FindTrigger() const {
+int ScopeBand::FindTrigger() {
     // Positions −4 … 2·1176 − 5 cover both blocks' scans (−4 … 1171 each,
     // the second block's negative positions being the first block's tail).
+    const int oldest = (current_ + 1) % 2;
+    std::copy(ring_[oldest].begin(), ring_[oldest].end(), stream_.begin() + 4);
+    std::copy(ring_[current_].begin(), ring_[current_].end(), stream_.begin() + 4 + kBlock);
+    const float* s = stream_.data() + 4;  // s[-4 … -1] are the zeros
     for (int i = -4; i <= 2 * kBlock - 5; ++i) {
-        const float a = At(i), b = At(i + 1);
-        if (a <= 0.0f && b >= 0.0f && a != b && b <= At(i + 2) && At(i + 2) <= At(i + 3) &&
-            At(i + 3) <= At(i + 4))
+        const float a = s[i], b = s[i + 1];
+        if (a <= 0.0f && b >= 0.0f && a != b && b <= s[i + 2] && s[i + 2] <= s[i + 3] &&
+            s[i + 3] <= s[i + 4])
             return i + 1;
     }
     return -1;

@@ -49,9 +49,11 @@ class ScopeBand {
   private:
     // Sample p of the stream (oldest block, then current); p < 0 reads 0.
     float At(int p) const;
-    int FindTrigger() const;
+    int FindTrigger();
 
     std::array<std::array<float, kBlock>, 2> ring_{};
+    // The stream for the trigger scan: four zeros, oldest block, current block.
+    std::array<float, 4 + 2 * kBlock> stream_{};
     int current_ = 0;
     double sampleRate_ = 44100.0;
     Trace trace_{};

@@ -253,6 +253,7 @@ void DeckGraphs::AutoRangeTick() {
 
 void DeckGraphs::Reshape() {
     graphs_[1]->setVisible(channels_ == 2);
+    analysis_.SetScopeWanted(type_ == kScope);
     const int n = analysis_.BandsInPlot();
     for (CNiGraph* g : graphs_) {
         g->Clear();
