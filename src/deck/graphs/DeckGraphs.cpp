@@ -28,6 +28,12 @@ CNiButton* SmallButton(QWidget* parent, const QString& text, bool toggle = false
     return b;
 }
 
+// A command button's caption, whether it is held down or not.
+void ShowCaption(CNiButton* b, const QString& text) {
+    b->SetOffText(text);
+    b->SetOnText(text);
+}
+
 }  // namespace
 
 DeckGraphs::DeckGraphs(QWidget* parent) : QWidget(parent) {
@@ -182,10 +188,10 @@ void DeckGraphs::Initialise(int deck, CRynSettings* settings, const QColor& main
         for (int g = 0; g < 3; ++g)
             scopeBands_[g]->SetValue(settings_->GetScopeBandOnState(deck_, g));
     }
-    beatMode_->SetCaption(analysis_.Range().Automatic() ? QStringLiteral("Auto")
-                                                        : QStringLiteral("Man"));
-    typeButton_->SetCaption(type_);
-    split_->SetCaption(QString::number(channels_));
+    ShowCaption(beatMode_,
+                analysis_.Range().Automatic() ? QStringLiteral("Auto") : QStringLiteral("Man"));
+    ShowCaption(typeButton_, type_);
+    ShowCaption(split_, QString::number(channels_));
     Reshape();
 }
 
@@ -198,7 +204,7 @@ void DeckGraphs::SetGraphsOn(bool on) {
 
 void DeckGraphs::SetGraphType(const QString& type) {
     type_ = (type == kScope || type == kChart) ? type : kBars;
-    typeButton_->SetCaption(type_);
+    ShowCaption(typeButton_, type_);
     if (settings_)
         settings_->SetDeckGraphType(deck_, type_);
     Reshape();
@@ -206,7 +212,7 @@ void DeckGraphs::SetGraphType(const QString& type) {
 
 void DeckGraphs::SetChannels(int n) {
     channels_ = n == 2 ? 2 : 1;
-    split_->SetCaption(QString::number(channels_));
+    ShowCaption(split_, QString::number(channels_));
     if (settings_)
         settings_->SetDeckGraphNumChannels(deck_, channels_);
     Reshape();
@@ -232,7 +238,7 @@ void DeckGraphs::ApplyBands(int n) {
 
 void DeckGraphs::SetBeatAutomatic(bool on) {
     analysis_.Range().SetAutomatic(on);
-    beatMode_->SetCaption(on ? QStringLiteral("Auto") : QStringLiteral("Man"));
+    ShowCaption(beatMode_, on ? QStringLiteral("Auto") : QStringLiteral("Man"));
     if (settings_)
         settings_->SetDeckBeatFindMode(deck_, on ? QStringLiteral("Auto") : QStringLiteral("Man"));
 }
