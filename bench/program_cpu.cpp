@@ -7,7 +7,8 @@
 //   - the JACK xruns of its client (jackd's "XRun: client = PortAudio" lines)
 //   - the time from launch to both tracks loaded.
 // Needs jackd, jack_wait and ffmpeg; the figures depend on how busy the
-// machine is (CPU time is the process's own, wall time is not).
+// machine is (CPU time is the process's own, wall time is not). An argument
+// "Bars" or "Chart" shows that graph type on the decks instead of the scopes.
 #include <signal.h>
 #include <unistd.h>
 
@@ -101,6 +102,8 @@ int main(int argc, char** argv) {
     env.insert("JACK_DEFAULT_SERVER", kServer);
     env.insert("MIXORA_SOUND_DEVICE", "pa:JACK Audio Connection Kit:system");
     env.insert("MIXORA_AUTOTEST", "play-both");
+    if (argc > 1)
+        env.insert("MIXORA_AUTOTEST_GRAPH", QString::fromLocal8Bit(argv[1]));
     env.insert("MIXORA_SHELL_LOG", log);
     env.insert("MIXORA_CONFIG_DIR", dir.path() + "/config");
     env.insert("MIXORA_DATA_DIR", dir.path() + "/data");
@@ -168,8 +171,10 @@ int main(int argc, char** argv) {
     if (!mixora.waitForFinished(15000))
         mixora.kill();
     jack.terminate();
-    if (!jack.waitForFinished(5000))
+    if (!jack.waitForFinished(5000)) {
         jack.kill();
+        jack.waitForFinished(5000);
+    }
     CleanShm();
     return 0;
 }

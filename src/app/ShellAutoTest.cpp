@@ -100,7 +100,8 @@ void ArmAutoTest(CMixoraDlg& host) {
                         if (!eq->IsOn())
                             eq->OnButton()->SetValue(true);
                     }
-                    deck->Graphs().SetGraphType(QStringLiteral("Scope"));
+                    const QString graph = qEnvironmentVariable("MIXORA_AUTOTEST_GRAPH");
+                    deck->Graphs().SetGraphType(graph.isEmpty() ? QStringLiteral("Scope") : graph);
                     m->SetMetersEnabled(d, true);
                 }
             }

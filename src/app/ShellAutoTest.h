@@ -7,7 +7,8 @@
 //                  the main mixer while both decks play.
 //   "play-both":   once both decks hold the tracks of the command line, logs
 //                  "both tracks loaded", turns on both equalizers with 12
-//                  bands, shows both decks' scopes and drops both needles;
+//                  bands, shows both decks' scopes ($MIXORA_AUTOTEST_GRAPH
+//                  names another graph type) and drops both needles;
 //                  the program then plays until it is closed (bench/program_cpu).
 // $MIXORA_AUTOTEST_FAIL=sound or media makes that platform layer fail at
 // start-up (the message then goes to stderr only).
