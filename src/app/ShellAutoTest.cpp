@@ -13,6 +13,7 @@
 #include "deck/source/DeckSource.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynMainMixer.h"
+#include "output/mixer/MixerMeters.h"
 #include "platform/PlatformLayers.h"
 
 namespace {
@@ -78,6 +79,9 @@ void ArmAutoTest(CMixoraDlg& host) {
                          .arg(deck->TrackNameText())
                          .arg(deck->ElapsedSeconds(), 0, 'f', 1)
                          .arg(deck->DropLiftButton()->Caption()));
+            ShellLog(QStringLiteral("deck A graphs drawn %1 rms %2")
+                         .arg(h->MainMixer()->MeterDraws(0))
+                         .arg(h->MainMixer()->Meters().RmsText(0)));
             h->MainMixer()->close();
         });
     } else if (script == QLatin1String("play-both")) {
