@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QSignalBlocker>
 #include <algorithm>
+#include <cmath>
 
 #include "controls/CNiButton.h"
 #include "controls/CNiGraph.h"
@@ -140,9 +141,12 @@ void MixerMeters::SetMetersEnabledLook(int deck, bool on) {
 
 void MixerMeters::ShowDeck(int deck, float rmsDb, float beat, std::span<const double> bands) {
     if (decibelMetersOn_) {
-        const QString text = QString::number(rmsDb, 'f', 1);
-        if (rms_[deck]->text() != text)
-            rms_[deck]->setText(text);
+        // The text is made only when the shown tenth of a decibel changes.
+        const int tenths = static_cast<int>(std::lround(rmsDb * 10.0f));
+        if (tenths != shownTenths_[deck]) {
+            shownTenths_[deck] = tenths;
+            rms_[deck]->setText(QString::number(tenths / 10.0, 'f', 1));
+        }
         if (decibel_[deck].Update(DecibelBarFraction(rmsDb)))
             LightBar(deck, false);
     }
@@ -186,6 +190,7 @@ void MixerMeters::LightBar(int deck, bool beatBar) {
 
 void MixerMeters::ClearDeck(int deck) {
     rms_[deck]->setText(QStringLiteral("0.0"));
+    shownTenths_[deck] = 0;
     graphs_[deck]->Clear();
 }
 
@@ -219,6 +224,7 @@ void MixerMeters::SetDecibelMetersOn(bool on) {
     if (!on) {
         for (int d = 0; d < 2; ++d) {
             rms_[d]->setText(QStringLiteral("0.0"));
+            shownTenths_[d] = 0;
             for (CNiButton* l : decibelLamps_[d])
                 l->SetValue(false);
         }

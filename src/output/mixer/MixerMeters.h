@@ -96,6 +96,7 @@ class MixerMeters : public QWidget {
     std::array<LampBar, 2> beat_{LampBar(kBeatLamps, 1), LampBar(kBeatLamps, 1)};
     std::array<std::array<QColor, 2>, 2> colours_{};
     std::array<int, 2> shownBars_{-1, -1};
+    std::array<int, 2> shownTenths_{};  // the RMS text in tenths of a dB
     std::array<double, 25> bandBuffer_{};
     QLabel* cpuText_ = nullptr;
     CNiSlide* cpu_ = nullptr;

@@ -16,8 +16,8 @@
 #include "deck/CRynDeck.h"
 #include "deck/graphs/DeckGraphs.h"
 #include "output/mixer/CRynMainMixer.h"
-#include "settings/CRynSettings.h"
 #include "output/mixer/MixerMeters.h"
+#include "settings/CRynSettings.h"
 
 using testsupport::MessageLog;
 
