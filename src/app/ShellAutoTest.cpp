@@ -1,5 +1,6 @@
 #include "app/ShellAutoTest.h"
 
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QTimer>
@@ -141,5 +142,32 @@ void ArmAutoTest(CMixoraDlg& host) {
         });
         device->start(27);
         QTimer::singleShot(400, h, [h] { h->MainMixer()->close(); });
+    } else if (script == QLatin1String("eq-change")) {
+        QTimer::singleShot(50, h, [h] {
+            CRynEqualizer* a = h->MainMixer()->Deck(0)->Equalizer();
+            a->ChooseBandCount(6);
+            a->FilterTypeList()->setCurrentText(QStringLiteral("Blackman"));
+            a->AntiClipButton()->SetValue(false);
+            a->OnButton()->SetValue(true);
+            CRynEqualizer* b = h->MainMixer()->Deck(1)->Equalizer();
+            b->ChooseBandCount(12);
+            b->FilterTypeList()->setCurrentText(QStringLiteral("Hamming"));
+            ShellLog(QStringLiteral("equalizers changed"));
+            h->MainMixer()->close();
+        });
+    } else if (script == QLatin1String("eq-report")) {
+        QTimer::singleShot(1500, h, [h] {
+            for (int d = 0; d < 2; ++d) {
+                const CRynEqualizer* eq = h->MainMixer()->Deck(d)->Equalizer();
+                ShellLog(QStringLiteral("equalizer %1 bands %2 designed %3 filter %4 %5 %6")
+                             .arg(QChar('A' + d))
+                             .arg(eq->BandCount())
+                             .arg(eq->Engines().BandCount())
+                             .arg(eq->FilterTypeList()->currentText())
+                             .arg(eq->AntiClipButton()->Caption())
+                             .arg(eq->OnButton()->Caption()));
+            }
+            h->MainMixer()->close();
+        });
     }
 }

@@ -4,7 +4,12 @@
 //   "escape":      presses Esc on the host;
 //   "play-close":  starts both decks' notification threads, lets a simulated
 //                  device signal block boundaries for a while, then closes
-//                  the main mixer while both decks play.
+//                  the main mixer while both decks play;
+//   "eq-change":   changes both decks' equalizer settings through their
+//                  windows (deck A: 6 bands, "Blackman", anti-clip off, on;
+//                  deck B: 12 bands, "Hamming"), then closes the main mixer;
+//   "eq-report":   logs each equalizer window's state once a delayed
+//                  12-band change would have come, then closes the mixer;
 //   "play-both":   once both decks hold the tracks of the command line, logs
 //                  "both tracks loaded", turns on both equalizers with 12
 //                  bands, shows both decks' scopes ($MIXORA_AUTOTEST_GRAPH

@@ -201,3 +201,25 @@ TEST(ShellProcess, HelpAndVersionNeedNoDisplay) {
     EXPECT_EQ(version.exitCode, 0);
     EXPECT_EQ(version.output.trimmed(), "mixora " MIXORA_VERSION);
 }
+
+TEST(ShellProcess, EqualizerSettingsChangedInOneRunAreInTheWindowsAfterTheNext) {
+    REQUIRE_PROGRAM();
+    QTemporaryDir config;
+    const QString dir = QStringLiteral("MIXORA_CONFIG_DIR=") + config.path();
+    const Outcome first = RunMixora({}, {"MIXORA_AUTOTEST=eq-change", dir});
+    ExpectFullRun(first);
+    ASSERT_TRUE(first.log.contains("equalizers changed")) << first.log.join('\n').toStdString();
+
+    const Outcome second = RunMixora({}, {"MIXORA_AUTOTEST=eq-report", dir});
+    ExpectFullRun(second);
+    EXPECT_EQ(Matching(second.log, "equalizer "),
+              QStringList({"equalizer A bands 6 designed 6 filter Blackman AC off EQ on",
+                           "equalizer B bands 12 designed 12 filter Hamming AC on EQ off"}))
+        << second.log.join('\n').toStdString();
+
+    // A fresh configuration starts from the defaults.
+    const Outcome fresh = RunMixora({}, {"MIXORA_AUTOTEST=eq-report"});
+    EXPECT_EQ(Matching(fresh.log, "equalizer "),
+              QStringList({"equalizer A bands 3 designed 3 filter Hanning AC on EQ off",
+                           "equalizer B bands 3 designed 3 filter Hanning AC on EQ off"}));
+}

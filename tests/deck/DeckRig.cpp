@@ -6,6 +6,7 @@
 
 #include "TestSupport.h"
 #include "deck/CRynDeck.h"
+#include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "platform/sound/SoundDevice.h"
 
@@ -62,7 +63,7 @@ std::int16_t NoiseSample(int frame, int channel) {
     return v == 0 ? std::int16_t(1) : v;
 }
 
-PlaybackRig::PlaybackRig(bool twoDecks) {
+PlaybackRig::PlaybackRig(bool twoDecks, bool equalizers) {
     ResetEngineStateForTest();
     Engine().mainDialogWindow = host_.Handle();
     mixer_ = std::make_unique<CRynMainMixer>();
@@ -70,7 +71,11 @@ PlaybackRig::PlaybackRig(bool twoDecks) {
         sound::SoundDevice::OpenNull(sound::SoundDevice::NullClock::Manual), mixer_->Handle());
     for (int d = 0; d < (twoDecks ? 2 : 1); ++d) {
         decks_[d] = std::make_unique<CRynDeck>();
-        decks_[d]->Initialise(nullptr, nullptr, nullptr, mixer_->Handle(), d);
+        if (equalizers) {
+            equalizers_[d] = std::make_unique<CRynEqualizer>();
+            equalizers_[d]->Initialise(d, decks_[d]->Handle());
+        }
+        decks_[d]->Initialise(nullptr, equalizers_[d].get(), nullptr, mixer_->Handle(), d);
     }
     mixer_->Initialise(host_.Handle(), decks_[0].get(), decks_[1].get(), nullptr, nullptr);
     // Unity for deck A: full levels, and the wedge curve gives the deck at
@@ -90,6 +95,8 @@ PlaybackRig::~PlaybackRig() {
     mixer_->Notifications().JoinAll();
     decks_[0].reset();
     decks_[1].reset();
+    equalizers_[0].reset();
+    equalizers_[1].reset();
     mixer_.reset();
     ResetEngineStateForTest();
 }

@@ -17,6 +17,7 @@
 #include "core/EngineState.h"
 
 class CRynDeck;
+class CRynEqualizer;
 class CRynMainMixer;
 
 namespace testsupport {
@@ -32,12 +33,14 @@ std::int16_t NoiseSample(int frame, int channel);
 class PlaybackRig {
   public:
     // Resets the engine state, opens the manual Null device and creates the
-    // decks (deck B only when twoDecks).
-    explicit PlaybackRig(bool twoDecks = false);
+    // decks (deck B only when twoDecks), each with its equalizer window when
+    // equalizers.
+    explicit PlaybackRig(bool twoDecks = false, bool equalizers = false);
     ~PlaybackRig();
 
     CRynMainMixer& Mixer() { return *mixer_; }
     CRynDeck& Deck(int d) { return *decks_[d]; }
+    CRynEqualizer& Equalizer(int d) { return *equalizers_[d]; }
 
     // Renders `blocks` device blocks (1176 frames each) into Output(); after
     // each, serves the mix steps of the decks that play. False when a deck
@@ -57,6 +60,7 @@ class PlaybackRig {
   private:
     MessageLog host_;
     std::unique_ptr<CRynMainMixer> mixer_;
+    std::unique_ptr<CRynEqualizer> equalizers_[2];
     std::unique_ptr<CRynDeck> decks_[2];
     std::vector<std::int16_t> output_;
 };

@@ -261,6 +261,12 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             return 0;
         case UWM_GRAPH_DOUBLE_CLICK:
             return SendAppMessage(host_, msg, wParam, lParam);
+        case UWM_EQ_BAND_GAIN:
+        case UWM_DEVICE_EQ_BANDS:
+        case UWM_DEVICE_EQ_ON:
+            // The sound device's own equalizer comes with the deck effects;
+            // until then its settings end here.
+            return 0;
         default:
             return CRynWindow::OnAppMessage(msg, wParam, lParam);
     }
