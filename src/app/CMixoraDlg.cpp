@@ -487,6 +487,13 @@ LResult CMixoraDlg::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             for (int d = 0; d < 2; ++d)
                 e.decks[d].metersOff.store(storedMetersOff_[d]);
             return 0;
+        case UWM_GRAPHS_PRIORITY:
+            // The decks tell the host; the main mixer sets the thread's priority.
+            return mainMixer_ ? SendAppMessage(mainMixer_->Handle(), msg, wParam, lParam) : 0;
+        case UWM_GRAPH_DOUBLE_CLICK:
+            if (mainMixer_)
+                mainMixer_->SelectGraphOnly(static_cast<int>(wParam), static_cast<int>(lParam));
+            return 0;
         case UWM_METERS_THREAD:
             if (wParam != 0) {
                 StartGraphsThread();

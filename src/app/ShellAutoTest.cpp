@@ -10,8 +10,11 @@
 #include "controls/CNiButton.h"
 #include "core/EngineState.h"
 #include "deck/CRynDeck.h"
+#include "deck/graphs/DeckGraphs.h"
+#include "deck/source/DeckSource.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynMainMixer.h"
+#include "output/mixer/MixerMeters.h"
 #include "platform/PlatformLayers.h"
 
 namespace {
@@ -77,8 +80,54 @@ void ArmAutoTest(CMixoraDlg& host) {
                          .arg(deck->TrackNameText())
                          .arg(deck->ElapsedSeconds(), 0, 'f', 1)
                          .arg(deck->DropLiftButton()->Caption()));
+            ShellLog(QStringLiteral("deck A graphs drawn %1 rms %2")
+                         .arg(h->MainMixer()->MeterDraws(0))
+                         .arg(h->MainMixer()->Meters().RmsText(0)));
             h->MainMixer()->close();
         });
+    } else if (script == QLatin1String("play-both")) {
+        auto* poll = new QTimer(h);
+        auto* loaded = new bool(false);
+        QObject::connect(poll, &QTimer::destroyed, [loaded] { delete loaded; });
+        QObject::connect(poll, &QTimer::timeout, h, [h, poll, loaded] {
+            CRynMainMixer* m = h->MainMixer();
+            for (int d = 0; d < 2; ++d) {
+                if (!m->Deck(d) || m->Deck(d)->TrackNameText() == DeckSource::kNoFile)
+                    return;
+            }
+            if (!*loaded) {
+                *loaded = true;
+                ShellLog(QStringLiteral("both tracks loaded"));
+                for (int d = 0; d < 2; ++d) {
+                    CRynDeck* deck = m->Deck(d);
+                    if (CRynEqualizer* eq = deck->Equalizer()) {
+                        eq->ChooseBandCount(12);
+                        if (!eq->IsOn())
+                            eq->OnButton()->SetValue(true);
+                    }
+                    const QString graph = qEnvironmentVariable("MIXORA_AUTOTEST_GRAPH");
+                    deck->Graphs().SetGraphType(graph.isEmpty() ? QStringLiteral("Scope") : graph);
+                    m->SetMetersEnabled(d, true);
+                }
+            }
+            // The needles go down once both outputs are primed.
+            if (!m->Deck(0)->Primed() || !m->Deck(1)->Primed())
+                return;
+            poll->stop();
+            m->Deck(0)->DropNeedle();
+            m->Deck(1)->DropNeedle();
+            // What plays and what is drawn, every 5 s.
+            auto* status = new QTimer(h);
+            QObject::connect(status, &QTimer::timeout, h, [m] {
+                ShellLog(QStringLiteral("playing: elapsed A %1 s B %2 s, drawn A %3 B %4")
+                             .arg(m->Deck(0)->ElapsedSeconds(), 0, 'f', 1)
+                             .arg(m->Deck(1)->ElapsedSeconds(), 0, 'f', 1)
+                             .arg(m->MeterDraws(0))
+                             .arg(m->MeterDraws(1)));
+            });
+            status->start(5000);
+        });
+        poll->start(20);
     } else if (script == QLatin1String("play-close")) {
         for (int d = 0; d < 2; ++d) {
             PostAppMessageRetry(h->MainMixer()->Handle(), UWM_START_FORWARD_THREAD,

@@ -9,7 +9,12 @@
 //                  windows (deck A: 6 bands, "Blackman", anti-clip off, on;
 //                  deck B: 12 bands, "Hamming"), then closes the main mixer;
 //   "eq-report":   logs each equalizer window's state once a delayed
-//                  12-band change would have come, then closes the mixer.
+//                  12-band change would have come, then closes the mixer;
+//   "play-both":   once both decks hold the tracks of the command line, logs
+//                  "both tracks loaded", turns on both equalizers with 12
+//                  bands, shows both decks' scopes ($MIXORA_AUTOTEST_GRAPH
+//                  names another graph type) and drops both needles;
+//                  the program then plays until it is closed (bench/program_cpu).
 // $MIXORA_AUTOTEST_FAIL=sound or media makes that platform layer fail at
 // start-up (the message then goes to stderr only).
 // Unset, nothing happens.

@@ -12,6 +12,7 @@
 #include "deck/CRynDeckInfo.h"
 #include "deck/block/DeckBlockWork.h"
 #include "deck/disc/CRynDiscBuffer.h"
+#include "deck/graphs/DeckGraphs.h"
 #include "deck/source/DeckSource.h"
 #include "deck/tempo/DeckTempoPanel.h"
 #include "deck/transport/DeckTransport.h"
@@ -59,7 +60,7 @@ CNiButton* MakeLed(QWidget* parent, const QString& caption) {
 }  // namespace
 
 CRynDeck::CRynDeck(QWidget* parent) : CRynWindow("CRynDeck", kTemplateId, parent) {
-    resize(560, 330);
+    resize(560, 450);
     decoder_ = std::make_unique<CRynFileDecoder>();
     blockWork_ = std::make_unique<DeckBlockWork>();
     BuildControls();
@@ -101,6 +102,7 @@ void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlay
     Disc().SetSource(source_.get());
     blockWork_->SetEqualizer(equalizer_);
     Disc().SetBlockRoutine(blockWork_.get());
+    InitialiseGraphs();
     if (equalizer_) {
         equalizer_->installEventFilter(this);
         showEqualizer_->SetValue(equalizer_->isVisible());
@@ -261,6 +263,9 @@ void CRynDeck::BuildControls() {
     tempo_ = new DeckTempoPanel(this);
     grid->addWidget(tempo_, 0, 6, 7, 1);
     BuildTurntable(grid);
+
+    graphs_ = new DeckGraphs(this);
+    grid->addWidget(graphs_, 8, 0, 1, 7);
 
     // A deck starts stopped with its needle up and all transport disabled.
     SetTransportEnabled(false);
@@ -488,4 +493,19 @@ void CRynDeck::closeEvent(QCloseEvent* event) {
         b->SetValue(false);
     hide();
     PostAppMessageRetry(mainMixer_, UWM_WINDOW_CLOSED, kTemplateId, deck_);
+}
+
+void CRynDeck::InitialiseGraphs() {
+    graphs_->Initialise(deck_, &Settings(), Colour(0), Colour(1));
+    blockWork_->SetAnalysis(&graphs_->Analysis());
+    // Pointers 1 and 2 of the graph range slide set the 3D graph's range.
+    graphs_->onRangePointer = [this](int pointer, double) {
+        if (mainMixer_ != 0)
+            PostAppMessageRetry(mainMixer_, UWM_3D_GRAPH_VALUE, deck_, pointer);
+    };
+    graphs_->onGraphDoubleClicked = [this](int graph) {
+        if (mainMixer_ != 0)
+            SendAppMessage(mainMixer_, UWM_GRAPH_DOUBLE_CLICK, kTemplateId,
+                           GraphControlId(deck_, graph));
+    };
 }

@@ -40,6 +40,7 @@ class CRynEqualizer;
 class CRynFileDecoder;
 class CRynPlayList;
 class DeckBlockWork;
+class DeckGraphs;
 class DeckSource;
 class DeckTempoPanel;
 class DeckTurntablePanel;
@@ -95,6 +96,10 @@ class CRynDeck : public CRynWindow {
     // The block routine FillBlock runs: split, meters, equalizer, join,
     // band analysis. The measurements plug in there.
     DeckBlockWork& BlockWork() { return *blockWork_; }
+    // The deck's graph display and its measurements (deck/graphs).
+    DeckGraphs& Graphs() { return *graphs_; }
+    // The control id of deck `deck`'s left (0) or right (1) graph.
+    static constexpr int GraphControlId(int deck, int graph) { return 1030 + 2 * deck + graph; }
     // The equalizer's arithmetic: true for 16-bit ("Ints"), false for float.
     void SetEqNumberType(bool ints);
     // The platter (CRynDeckPlatter.cpp), from Initialise on.
@@ -221,6 +226,7 @@ class CRynDeck : public CRynWindow {
     // The buffer statistics: the information window's, or the deck's own
     // when it has none.
     DeckInfoStats& Stats();
+    void InitialiseGraphs();
 
     int deck_ = 0;
     WindowHandle mainMixer_ = 0;
@@ -234,6 +240,7 @@ class CRynDeck : public CRynWindow {
     std::unique_ptr<DeckSource> source_;
     DeckInfoStats ownStats_;  // when no information window is given
     std::unique_ptr<DeckBlockWork> blockWork_;
+    DeckGraphs* graphs_ = nullptr;
     std::unique_ptr<DeckTransport> transport_;
 
     // Window state.

@@ -170,6 +170,13 @@ TEST(ShellProcess, AFileOnTheCommandLinePlaysOnDeckA) {
     const double elapsed = line.section(' ', 5, 5).toDouble();
     EXPECT_GT(elapsed, 0.05) << line.toStdString();
     EXPECT_LT(elapsed, 3.0) << line.toStdString();
+    // The graphs thread started with the program (meters on by default) and
+    // the mixer drew the heard blocks: ffmpeg's tone peaks at 4096 and each
+    // side of the stereo file at 4096/√2, so σ ≈ 2048 and the RMS 66.2 dB.
+    const QString graphs = Matching(o.log, "deck A graphs drawn").value(0);
+    ASSERT_FALSE(graphs.isEmpty()) << o.log.join('\n').toStdString();
+    EXPECT_GT(graphs.section(' ', 4, 4).toInt(), 0) << graphs.toStdString();
+    EXPECT_NEAR(graphs.section(' ', 6, 6).toDouble(), 66.2, 0.3) << graphs.toStdString();
 }
 
 TEST(ShellProcess, EscOnTheHostAndPlayingDecksShutDownTheSameWay) {

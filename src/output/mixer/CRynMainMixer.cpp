@@ -18,6 +18,7 @@
 #include "dsp/window/CRyn3DGraph.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
+#include "output/mixer/MixerMeters.h"
 #include "platform/sound/SoundSystem.h"
 #include "playlist/window/CRynPlayList.h"
 #include "settings/CRynSettings.h"
@@ -31,7 +32,9 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(panel_);
-    resize(340, 300);
+    meters_ = new MixerMeters(this);
+    layout->addWidget(meters_);
+    resize(340, 400);
 }
 
 CRynMainMixer::~CRynMainMixer() {
@@ -69,6 +72,7 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
             panel_->SetDeckColours(d, decks_[d]->Colour(0), decks_[d]->Colour(1));
     }
     panel_->Initialise();
+    InitialiseMeters();
     for (int d = 0; d < 2; ++d) {
         cycle_.BindDeck(d, decks_[d] ? &decks_[d]->Transport() : nullptr);
         // Until the layout asks for a quarter, each deck runs at its user's
@@ -192,6 +196,7 @@ void CRynMainMixer::LayoutBuilt() {
     buildingLayout_ = false;
     for (int d = 0; d < 2; ++d)
         ChangeLatency(d, WriteAheadTarget::Override::Quarter, true);
+    ApplyStoredMeters();
 }
 
 void CRynMainMixer::ChangeLatency(int deck, WriteAheadTarget::Override which, bool request) {
@@ -295,6 +300,10 @@ void CRynMainMixer::ScratchDone(int deck) {
 }
 
 void CRynMainMixer::OnWindowTimer(int id) {
+    if (id == kCpuTimer) {
+        ReadCpuLoad();
+        return;
+    }
     const int deck = id - kScratchTimerA;
     if (deck != 0 && deck != 1) {
         CRynWindow::OnWindowTimer(id);
@@ -308,6 +317,8 @@ void CRynMainMixer::OnWindowTimer(int id) {
 
 void CRynMainMixer::StopDeck(int deck) {
     Engine().decks[deck].isPlaying.store(0);
+    meters_->ClearDeck(deck);
+    lastDrawn_[deck] = -1;
     notify_.Stop(NotifyKind::Forward, deck);
     notify_.Stop(NotifyKind::Scratch, deck);
     StopReverse(deck);
@@ -322,11 +333,6 @@ void CRynMainMixer::StopReverse(int deck) {
 void CRynMainMixer::OnTick() {
     overloadLampOn_ = !overloadLampOn_;
     OnOverloadLampChanged();
-}
-
-void CRynMainMixer::OnOverloadLampChanged() {
-    // The lamp answers one tick: the user interface has caught up with it.
-    Engine().pendingTicks.fetch_sub(1);
 }
 
 LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
@@ -379,6 +385,7 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
         }
         case UWM_GRAPH_NUMBER_TYPE:
             // (1, 0) for floats, (0, 1) for integers.
+            SetGraphIntegers(lParam != 0);
             Settings().SetUseIntegersForGraphs(lParam != 0);
             return 0;
         case UWM_TITLE_BARS:
@@ -395,7 +402,7 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             OnTick();
             return 0;
         case UWM_GRAPHS_UPDATE:
-            ++graphsUpdates_;
+            DrawGraphsAndMeters();
             return 0;
         case UWM_GRAPHS_PRIORITY:
             if (e.graphsThread) {

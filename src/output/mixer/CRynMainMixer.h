@@ -22,11 +22,13 @@
 #include "output/engine/MixStepSink.h"
 #include "output/engine/NotifyThreads.h"
 #include "output/engine/WriteAheadTarget.h"
+#include "output/laws/CpuLoad.h"
 #include "output/mixer/MainMixerPanel.h"
 
 class CRynDeck;
 class CRynHeadphonesMixer;
 class CRyn3DGraph;
+class MixerMeters;
 
 class CRynMainMixer : public CRynWindow {
     Q_OBJECT
@@ -35,6 +37,10 @@ class CRynMainMixer : public CRynWindow {
     // Timers 1 to 8 are the mixer's (catch-up, CPU load, auto-pan, minimise,
     // cross fader, 3D graph, scratch A and B).
     static constexpr int kTimerCount = 8;
+    static constexpr int kCpuTimer = 2;  // processor load
+    static constexpr int kCpuMs = 1000;
+    // The control ids of the mixer's band graphs of deck A and deck B.
+    static constexpr int kBandGraphIds[2] = {1186, 1187};
 
     explicit CRynMainMixer(QWidget* parent = nullptr);
     ~CRynMainMixer() override;
@@ -102,6 +108,25 @@ class CRynMainMixer : public CRynWindow {
     // The overload lamp: flipped by every tick.
     bool OverloadLampOn() const { return overloadLampOn_; }
 
+    // --- Graphs and meters (CRynMainMixerMeters.cpp) ---
+    MixerMeters& Meters() { return *meters_; }
+    // A deck's graphs and meters on or off: the enable button's look, the
+    // deck's graphs, metersOff, and UWM_METERS_THREAD to the host.
+    void SetMetersEnabled(int deck, bool on);
+    // Each deck's meters as stored (metersEnabledDeckA/B); start-up.
+    void ApplyStoredMeters();
+    // The drawing pass of UWM_GRAPHS_UPDATE.
+    void DrawGraphsAndMeters();
+    // The output slot being heard on deck `deck`, -1 without a device.
+    int HeardSlot(int deck) const;
+    // Blocks drawn on the mixer's meters so far, per deck (tests).
+    int MeterDraws(int deck) const { return meterDraws_[deck]; }
+    // Double click: only that graph stays on (again: all come back).
+    void SelectGraphOnly(int templateId, int controlId);
+    // All graphs store integers (true) or doubles.
+    void SetGraphIntegers(bool on);
+    void ReadCpuLoad();
+
     LResult OnAppMessage(Uwm msg, WParam wParam, LParam lParam) override;
 
   protected:
@@ -132,6 +157,7 @@ class CRynMainMixer : public CRynWindow {
     // without its title bar.
     void ShowTitleBars(bool on);
     void ShowOptionsWindow(bool show);
+    void InitialiseMeters();
     static bool ValidDeck(WParam deck) { return deck < 2; }
 
     WindowHandle host_ = 0;
@@ -152,4 +178,9 @@ class CRynMainMixer : public CRynWindow {
     std::array<int, 2> mixSteps_{};
     std::array<int, 2> reverseSteps_{};
     bool overloadLampOn_ = false;
+    MixerMeters* meters_ = nullptr;
+    CpuLoad cpuLoad_;
+    std::array<int, 2> lastDrawn_{-1, -1};
+    std::array<int, 2> meterDraws_{};
+    std::pair<int, int> exclusiveGraph_{0, 0};
 };

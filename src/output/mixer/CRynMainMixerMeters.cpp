@@ -1,0 +1,111 @@
+// The main mixer's graphs and meters: the drawing pass each
+// UWM_GRAPHS_UPDATE asks for, the meters enable of each deck, the processor
+// load (timer 2), the overload lamp and the exclusive graph of a double click.
+#include <QTimer>
+
+#include "controls/CNiGraph.h"
+#include "core/EngineState.h"
+#include "deck/CRynDeck.h"
+#include "deck/graphs/DeckGraphs.h"
+#include "output/mixer/CRynMainMixer.h"
+#include "output/mixer/MixerMeters.h"
+#include "settings/CRynSettings.h"
+
+void CRynMainMixer::InitialiseMeters() {
+    for (int d = 0; d < 2; ++d) {
+        if (decks_[d])
+            meters_->SetDeckColours(d, decks_[d]->Colour(0), decks_[d]->Colour(1));
+    }
+    meters_->onEnableMeters = [this](int deck, bool on) {
+        Settings().SetMetersEnabled(deck, on);
+        SetMetersEnabled(deck, on);
+    };
+    meters_->onGraphDoubleClicked = [this](int deck) {
+        SendAppMessage(host_, UWM_GRAPH_DOUBLE_CLICK, kTemplateId, kBandGraphIds[deck]);
+    };
+    cpuLoad_.Read();  // the first reading only starts the count
+    SetWindowTimer(kCpuTimer, kCpuMs);
+}
+
+void CRynMainMixer::ApplyStoredMeters() {
+    for (int d = 0; d < 2; ++d)
+        SetMetersEnabled(d, Settings().GetMetersEnabled(d));
+}
+
+void CRynMainMixer::SetMetersEnabled(int deck, bool on) {
+    Engine().decks[deck].metersOff.store(on ? 0 : 1);
+    meters_->SetMetersEnabledLook(deck, on);
+    meters_->BandGraph(deck)->setVisible(on);
+    if (decks_[deck])
+        decks_[deck]->Graphs().SetGraphsOn(on);
+    lastDrawn_[deck] = -1;
+    if (host_ != 0)
+        SendAppMessage(host_, UWM_METERS_THREAD, on ? 1 : 0);
+}
+
+int CRynMainMixer::HeardSlot(int deck) const {
+    const bool reverse = decks_[deck] && decks_[deck]->IsReverse();
+    const CRynAudioOutput::Cursor c =
+        reverse ? mainOutput_.ReversePlayCursor(deck) : mainOutput_.ForwardPlayCursor(deck);
+    if (c.status != 0)
+        return -1;
+    return reverse ? 119 - c.blocks : c.blocks;
+}
+
+void CRynMainMixer::DrawGraphsAndMeters() {
+    ++graphsUpdates_;
+    const SharedEngineState& e = Engine();
+    // Playback has priority: nothing is drawn while the interface lags.
+    if (e.overload.load() != 0)
+        return;
+    for (int d = 0; d < 2; ++d) {
+        const DeckSharedState& s = e.decks[d];
+        if (s.isPlaying.load() == 0 || s.metersOff.load() != 0 || !decks_[d])
+            continue;
+        // A deck short of data stops the whole pass.
+        if (s.freshDataLow.load() != 0 || s.discBufferVeryLow.load() != 0)
+            return;
+        const int slot = HeardSlot(d);
+        if (slot < 0 || slot == lastDrawn_[d])
+            continue;
+        lastDrawn_[d] = slot;
+        DeckGraphs& graphs = decks_[d]->Graphs();
+        graphs.Draw(slot);
+        const auto& ch = graphs.Analysis().At(slot).channels;
+        const float rms = 0.5f * (ch[0].rmsDb + ch[1].rmsDb);
+        meters_->ShowDeck(d, rms, graphs.BeatValue(), graphs.Analysis().CurrentValues());
+        ++meterDraws_[d];
+    }
+}
+
+void CRynMainMixer::ReadCpuLoad() {
+    meters_->SetCpuLoad(cpuLoad_.Read());
+}
+
+void CRynMainMixer::OnOverloadLampChanged() {
+    // The lamp answers one tick: the user interface has caught up with it.
+    const int pending = Engine().pendingTicks.fetch_sub(1) - 1;
+    meters_->SetOverloadLamp(overloadLampOn_, pending);
+}
+
+void CRynMainMixer::SelectGraphOnly(int templateId, int controlId) {
+    // A second double click on the graph shown alone brings every graph back.
+    const bool restore = exclusiveGraph_ == std::make_pair(templateId, controlId);
+    exclusiveGraph_ = restore ? std::make_pair(0, 0) : std::make_pair(templateId, controlId);
+    for (int d = 0; d < 2; ++d) {
+        if (!decks_[d])
+            continue;
+        const bool deckGraph =
+            templateId == CRynDeck::kTemplateId && (controlId == CRynDeck::GraphControlId(d, 0) ||
+                                                    controlId == CRynDeck::GraphControlId(d, 1));
+        decks_[d]->Graphs().SetGraphsOn(restore || deckGraph);
+        const bool mixerGraph = templateId == kTemplateId && controlId == kBandGraphIds[d];
+        meters_->BandGraph(d)->setVisible(restore || mixerGraph);
+    }
+}
+
+void CRynMainMixer::SetGraphIntegers(bool on) {
+    for (CRynDeck* deck : decks_)
+        if (deck)
+            deck->Graphs().SetIntegerValues(on);
+}
