@@ -10,6 +10,7 @@
 #include "core/EngineState.h"
 #include "deck/CRynDeckInfo.h"
 #include "deck/disc/CRynDiscBuffer.h"
+#include "deck/effects/DeckEffectsPanel.h"
 #include "deck/source/DeckSource.h"
 #include "deck/tempo/DeckTempoPanel.h"
 #include "deck/transport/DeckTransport.h"
@@ -241,6 +242,8 @@ void CRynDeck::BuildControls() {
 
     tempo_ = new DeckTempoPanel(this);
     grid->addWidget(tempo_, 0, 6, 7, 1);
+    effects_ = new DeckEffectsPanel(this);
+    grid->addWidget(effects_, 0, 7, 7, 1);
 
     // A deck starts stopped with its needle up and all transport disabled.
     SetTransportEnabled(false);
@@ -307,6 +310,10 @@ void CRynDeck::WireControls() {
     tempo_->baseRate = [this] { return Rate(); };
     tempo_->onFrequency = [this](int hz) {
         PostAppMessageRetry(mainMixer_, UWM_SET_FORWARD_FREQUENCY, deck_, hz);
+    };
+    effects_->onEffectChanged = [this] { PostAppMessage(mainMixer_, UWM_APPLY_EFFECT, deck_, 0); };
+    effects_->onKnobMoved = [this](int n) {
+        PostAppMessage(mainMixer_, UWM_APPLY_EFFECT_PARAMETER, deck_, n);
     };
 }
 

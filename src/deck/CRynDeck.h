@@ -38,6 +38,7 @@ class CRynDiscBuffer;
 class CRynEqualizer;
 class CRynFileDecoder;
 class CRynPlayList;
+class DeckEffectsPanel;
 class DeckSource;
 class DeckTempoPanel;
 class DeckTransport;
@@ -87,6 +88,8 @@ class CRynDeck : public CRynWindow {
     DeckTransport& Transport() { return *transport_; }
     CRynDiscBuffer& Disc();
     DeckTempoPanel& Tempo() { return *tempo_; }
+    // The effect list and its two knobs (the main mixer applies them).
+    DeckEffectsPanel& Effects() { return *effects_; }
 
     // The deck's two colours: `which` 0 is its main colour, 1 its dark shade.
     QColor Colour(int which) const;
@@ -242,6 +245,7 @@ class CRynDeck : public CRynWindow {
     QLabel* timeDisplay_ = nullptr;
     QComboBox* drives_ = nullptr;
     DeckTempoPanel* tempo_ = nullptr;
+    DeckEffectsPanel* effects_ = nullptr;
 
     std::function<QStringList()> fileDialog_;
 };
