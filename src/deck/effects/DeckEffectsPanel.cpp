@@ -5,6 +5,7 @@
 #include <QLabel>
 
 #include "controls/CNiKnob.h"
+#include "controls/ControlLook.h"
 #include "platform/sound/effects/EffectCatalog.h"
 
 namespace {
@@ -14,8 +15,14 @@ sound::fx::EffectKind KindOf(const QString& name) {
 }  // namespace
 
 DeckEffectsPanel::DeckEffectsPanel(QWidget* parent) : QWidget(parent) {
+    setObjectName(QStringLiteral("deckEffectsPanel"));
+    setAutoFillBackground(true);
+    QPalette pal = palette();
+    pal.setColor(QPalette::Window, control_look::PanelColor());
+    pal.setColor(QPalette::WindowText, control_look::TextColor());
+    setPalette(pal);
     auto* grid = new QGridLayout(this);
-    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setContentsMargins(4, 4, 4, 4);
     list_ = new QComboBox(this);
     for (const auto& spec : sound::fx::EffectList())
         list_->addItem(QString::fromLatin1(spec.name));
