@@ -12,6 +12,7 @@
 #include "deck/CRynDeckInfo.h"
 #include "deck/block/DeckBlockWork.h"
 #include "deck/disc/CRynDiscBuffer.h"
+#include "deck/effects/DeckEffectsPanel.h"
 #include "deck/graphs/DeckGraphs.h"
 #include "deck/source/DeckSource.h"
 #include "deck/tempo/DeckTempoPanel.h"
@@ -60,7 +61,7 @@ CNiButton* MakeLed(QWidget* parent, const QString& caption) {
 }  // namespace
 
 CRynDeck::CRynDeck(QWidget* parent) : CRynWindow("CRynDeck", kTemplateId, parent) {
-    resize(560, 450);
+    resize(860, 450);
     decoder_ = std::make_unique<CRynFileDecoder>();
     blockWork_ = std::make_unique<DeckBlockWork>();
     BuildControls();
@@ -265,7 +266,11 @@ void CRynDeck::BuildControls() {
     BuildTurntable(grid);
 
     graphs_ = new DeckGraphs(this);
-    grid->addWidget(graphs_, 8, 0, 1, 7);
+    grid->addWidget(graphs_, 8, 0, 1, 9);
+
+    // The effect list and its knobs beside the platter.
+    effects_ = new DeckEffectsPanel(this);
+    grid->addWidget(effects_, 0, 8, 7, 1);
 
     // A deck starts stopped with its needle up and all transport disabled.
     SetTransportEnabled(false);
@@ -332,6 +337,10 @@ void CRynDeck::WireControls() {
     tempo_->baseRate = [this] { return Rate(); };
     tempo_->onFrequency = [this](int hz) {
         PostAppMessageRetry(mainMixer_, UWM_SET_FORWARD_FREQUENCY, deck_, hz);
+    };
+    effects_->onEffectChanged = [this] { PostAppMessage(mainMixer_, UWM_APPLY_EFFECT, deck_, 0); };
+    effects_->onKnobMoved = [this](int n) {
+        PostAppMessage(mainMixer_, UWM_APPLY_EFFECT_PARAMETER, deck_, n);
     };
 }
 

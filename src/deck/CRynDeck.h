@@ -41,6 +41,7 @@ class CRynFileDecoder;
 class CRynPlayList;
 class DeckBlockWork;
 class DeckGraphs;
+class DeckEffectsPanel;
 class DeckSource;
 class DeckTempoPanel;
 class DeckTurntablePanel;
@@ -105,6 +106,8 @@ class CRynDeck : public CRynWindow {
     // The platter (CRynDeckPlatter.cpp), from Initialise on.
     TurntableController& Turntable();
     DeckTurntablePanel* TurntablePanel() const { return turntable_; }
+    // The effect list and its two knobs (the main mixer applies them).
+    DeckEffectsPanel& Effects() { return *effects_; }
 
     // The deck's two colours: `which` 0 is its main colour, 1 its dark shade.
     QColor Colour(int which) const;
@@ -277,6 +280,7 @@ class CRynDeck : public CRynWindow {
     QComboBox* drives_ = nullptr;
     DeckTempoPanel* tempo_ = nullptr;
     DeckTurntablePanel* turntable_ = nullptr;
+    DeckEffectsPanel* effects_ = nullptr;
 
     std::function<QStringList()> fileDialog_;
 };

@@ -20,6 +20,8 @@
 #include "platform/sound/SoundDevice.h"
 #include "platform/sound/SoundMixer.h"
 #include "platform/sound/SoundVoice.h"
+#include "platform/sound/effects/EffectCatalog.h"
+#include "platform/sound/effects/ParamEqEffect.h"
 
 namespace {
 
@@ -106,7 +108,17 @@ TEST(RenderAllocations, MixingTwelveMovingVoicesAllocatesNothing) {
         ASSERT_EQ(b.SetPan(-6000 + 1000 * i), kStatusOk);
         const sound::NotificationPosition half{b.SizeBytes() / 2, &events[i]};
         ASSERT_EQ(b.SetNotificationPositions(&half, 1), kStatusOk);
-        if (i % 4 == 0) {
+        if (i == 0) {
+            // Every deck effect and an equalizer band, in one chain.
+            std::vector<std::shared_ptr<sound::SoundEffect>> chain;
+            for (const auto& spec : sound::fx::EffectList())
+                if (auto e = sound::fx::CreateEffect(spec.kind))
+                    chain.push_back(e);
+            auto band = std::make_shared<sound::fx::ParamEqEffect>();
+            band->SetParameters({1000.0f, 12.0f, 6.0f});
+            chain.push_back(band);
+            ASSERT_EQ(b.SetEffects(chain), kStatusOk);
+        } else if (i % 4 == 0) {
             ASSERT_EQ(b.SetEffects({std::make_shared<HalfGain>()}), kStatusOk);
         }
         ASSERT_EQ(b.Play(true), kStatusOk);

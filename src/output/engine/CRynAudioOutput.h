@@ -24,6 +24,7 @@
 #include "core/AppMessages.h"
 #include "core/EngineState.h"
 #include "output/engine/CRynSoundEngine.h"
+#include "output/engine/DeckEffects.h"
 #include "platform/sound/SoundStatus.h"
 
 class CrossFaderGains;
@@ -141,6 +142,10 @@ class CRynAudioOutput {
     // The effect chain of the deck's forward buffer (empty: none).
     SoundStatus SetForwardEffects(int deck,
                                   std::vector<std::shared_ptr<sound::SoundEffect>> effects);
+    // The deck's chosen effect and device equalizer on this output; its
+    // operations take ForwardBuffer(deck) (null without one).
+    DeckEffects& Effects(int deck) { return effects_[Clamp(deck)]; }
+    sound::SoundBuffer* ForwardBuffer(int deck) const { return Buffer(deck, kForward); }
 
   private:
     enum Ring { kForward, kReverse, kScratch };
@@ -173,4 +178,5 @@ class CRynAudioOutput {
     int masterLeft_ = 100;
     int masterRight_ = 100;
     PcmBlock reversed_{};  // work space of WriteDeckBlock
+    std::array<DeckEffects, kDeckCount> effects_{};
 };

@@ -84,6 +84,7 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
 }
 
 void CRynMainMixer::SetHeadphonesOutput(CRynAudioOutput* output) {
+    headphonesOutput_ = output;
     cycle_.BindOutputs(&mainOutput_, output);
 }
 
@@ -362,6 +363,13 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
         case UWM_EQ_NUMBER_TYPE:
         case UWM_EQ_TYPE:
             return ValidDeck(wParam) ? OnDeckMessage(msg, static_cast<int>(wParam), lParam) : 0;
+        case UWM_APPLY_EFFECT:
+        case UWM_APPLY_EFFECT_PARAMETER:
+        case UWM_APPLY_PAN:
+        case UWM_EQ_BAND_GAIN:
+        case UWM_DEVICE_EQ_BANDS:
+        case UWM_DEVICE_EQ_ON:
+            return OnEffectMessage(msg, wParam, lParam);
         case UWM_LATENCY_MAXIMUM:
             for (int d = 0; d < 2; ++d)
                 ChangeLatency(d, WriteAheadTarget::Override::Maximum, lParam == 0);
@@ -412,12 +420,6 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             return 0;
         case UWM_GRAPH_DOUBLE_CLICK:
             return SendAppMessage(host_, msg, wParam, lParam);
-        case UWM_EQ_BAND_GAIN:
-        case UWM_DEVICE_EQ_BANDS:
-        case UWM_DEVICE_EQ_ON:
-            // The sound device's own equalizer comes with the deck effects;
-            // until then its settings end here.
-            return 0;
         default:
             return CRynWindow::OnAppMessage(msg, wParam, lParam);
     }
@@ -481,6 +483,7 @@ LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
             sink_->CreateDeckBuffers(deck, value > 0 ? value : 44100);
             // New buffers carry no settings: the deck's tempo again (the
             // deck recomputes and sends its frequency).
+            ApplyDeckEffects(deck);
             panel_->ApplyCrossFader();
             if (headphones_) {
                 headphones_->Sync().Reset(deck);

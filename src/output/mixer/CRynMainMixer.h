@@ -140,6 +140,11 @@ class CRynMainMixer : public CRynWindow {
     void StopDeck(int deck);
     // Deck `deck` (0 or 1) and its message.
     LResult OnDeckMessage(Uwm msg, int deck, LParam lParam);
+    // Effects, device equalizer and pan messages (MainMixerEffects.cpp).
+    LResult OnEffectMessage(Uwm msg, WParam wParam, LParam lParam);
+    // The deck's effect, both its parameters and its pan again, on both
+    // outputs (new buffers carry none of them).
+    void ApplyDeckEffects(int deck);
     // A latency override requested (true) or withdrawn for the deck; the new
     // target, if any, becomes its write-ahead.
     void ChangeLatency(int deck, WriteAheadTarget::Override which, bool request);
@@ -166,6 +171,7 @@ class CRynMainMixer : public CRynWindow {
     CRyn3DGraph* graph3d_ = nullptr;
     QWidget* configure_ = nullptr;
     CRynAudioOutput mainOutput_;
+    CRynAudioOutput* headphonesOutput_ = nullptr;
     MixCycle cycle_;
     MixStepSink* sink_ = &cycle_;
     std::array<WriteAheadTarget, 2> targets_{};

@@ -29,7 +29,7 @@ constexpr std::uint32_t kMinBufferBytes = 16;    // four frames: the interpolato
 constexpr std::uint32_t kMaxBufferBytes = 64u << 20;
 constexpr int kMaxNotifications = 256;  // per buffer
 constexpr int kMaxEnvelopeSteps = 512;  // per volume envelope
-constexpr int kMaxEffects = 8;          // per buffer effect chain
+constexpr int kMaxEffects = 16;         // per buffer effect chain (12 equalizer bands + 1)
 
 // Buffer status bits (Status()).
 constexpr std::uint32_t kBufferPlaying = 0x1;
