@@ -4,10 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <fileref.h>
-#include <tag.h>
 #include <cerrno>
 
+#include "playlist/BoundedTagFile.h"
 #include "playlist/TextEncoding.h"
 
 namespace {
@@ -59,10 +58,9 @@ bool ReadId3v1Title(const std::string& path, std::string* title) {
 bool ReadTagLibTitle(const std::string& path, std::string* title) {
     if (!IsTaggableFile(path))
         return false;
-    TagLib::FileRef file(path.c_str(), /*readAudioProperties=*/false);
-    if (file.isNull() || file.tag() == nullptr)
+    std::string text;
+    if (!ReadBoundedTagTitle(path, &text))
         return false;
-    std::string text = file.tag()->title().to8Bit(/*unicode=*/true);
     while (!text.empty() && (text.back() == ' ' || text.back() == '\0'))
         text.pop_back();
     if (text.empty())
