@@ -20,13 +20,13 @@ bool HasExtension(const std::string& path, const char* ext) {
 
 // The first word of a line, upper-cased, and the rest after it.
 std::string_view FirstWord(std::string_view line, std::string* upper) {
+    upper->clear();
     std::size_t b = line.find_first_not_of(" \t");
     if (b == std::string_view::npos)
         return {};
     std::size_t e = line.find_first_of(" \t", b);
     if (e == std::string_view::npos)
         e = line.size();
-    upper->clear();
     for (char c : line.substr(b, e - b))
         upper->push_back(static_cast<char>(std::toupper(static_cast<unsigned char>(c))));
     return line.substr(e);

@@ -382,6 +382,19 @@ bool FfmpegMediaSource::Convert(int skip) {
         int r = swr_alloc_set_opts2(&swr_, &outLayout, PackedFormat(format_.type),
                                     format_.sampleRate, &inLayout, AVSampleFormat(inFormat),
                                     frame_->sample_rate, 0, nullptr);
+        // Channels no speaker layout names (9, 17, 32 of them): even ones to
+        // the left, odd ones to the right (all to a mono output), each side
+        // an average, so that the sound keeps its level.
+        if (r >= 0 && inLayout.order != AV_CHANNEL_ORDER_NATIVE) {
+            std::vector<double> matrix(std::size_t(format_.channels) * inChannels, 0.0);
+            const int perSide = format_.channels == 1 ? inChannels : (inChannels + 1) / 2;
+            for (int c = 0; c < inChannels; ++c) {
+                const int side = format_.channels == 1 ? 0 : c % 2;
+                const int count = side == 0 ? perSide : inChannels / 2;
+                matrix[std::size_t(side) * inChannels + c] = 1.0 / count;
+            }
+            r = swr_set_matrix(swr_, matrix.data(), inChannels);
+        }
         av_channel_layout_uninit(&inLayout);
         av_channel_layout_uninit(&outLayout);
         if (r < 0 || swr_init(swr_) < 0) {
