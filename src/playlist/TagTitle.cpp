@@ -49,9 +49,11 @@ bool ReadId3v1Title(const std::string& path, std::string* title) {
         ++len;
     while (len > 0 && tag[3 + len - 1] == ' ')
         --len;
-    if (len == 0)
+    // Decoded, a title of only a byte order mark is empty too.
+    std::string text = TextAsUtf8(std::string_view(tag + 3, len));
+    if (text.empty())
         return false;
-    *title = TextAsUtf8(std::string_view(tag + 3, len));
+    *title = std::move(text);
     return true;
 }
 

@@ -87,20 +87,26 @@ QString HostileWav() {
     return file.size() == 453 ? Write("hostile-34ch.wav", file) : QString();
 }
 
-// A real MP3 behind an ID3v2.4 tag that declares 100 MB: a title frame, then a
-// private frame declaring the rest of the 100 MB.
-QString HostileId3Mp3() {
+// One second of an MP3 tone without tags; empty when ffmpeg failed.
+QByteArray ToneMp3() {
     const QString tone = testsupport::MakeTone("hostile-tone.mp3", 1000, 1.0, 44100, 2,
                                                {"-c:a", "libmp3lame", "-id3v2_version", "0"});
     QFile f(tone);
-    if (tone.isEmpty() || !f.open(QIODevice::ReadOnly))
+    return !tone.isEmpty() && f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+// A real MP3 behind an ID3v2.4 tag that declares 100 MB: a title frame, then a
+// private frame declaring the rest of the 100 MB.
+QString HostileId3Mp3() {
+    const QByteArray audio = ToneMp3();
+    if (audio.isEmpty())
         return {};
     const quint32 declared = 100u << 20;
     const QByteArray title = "\x03hostile title";
     QByteArray tag = "ID3" + QByteArray("\x04\x00\x00", 3) + SyncSafe(declared) + "TIT2" +
                      SyncSafe(quint32(title.size())) + QByteArray(2, '\0') + title + "PRIV" +
                      SyncSafe(declared - 100) + QByteArray(2, '\0');
-    return Write("hostile-id3-100mb.mp3", tag + f.readAll());
+    return Write("hostile-id3-100mb.mp3", tag + audio);
 }
 
 // An MP3 whose ID3v2.3 tag holds a zlib-compressed frame that inflates to
@@ -110,10 +116,8 @@ QString CompressedFrameMp3() {
     const QString path = testsupport::FixtureDir() + "/hostile-zlib-frame.mp3";
     if (QFileInfo::exists(path))
         return path;
-    const QString tone = testsupport::MakeTone("hostile-tone.mp3", 1000, 1.0, 44100, 2,
-                                               {"-c:a", "libmp3lame", "-id3v2_version", "0"});
-    QFile f(tone);
-    if (tone.isEmpty() || !f.open(QIODevice::ReadOnly))
+    const QByteArray audio = ToneMp3();
+    if (audio.isEmpty())
         return {};
     const quint32 inflated = 200u << 20;
     const QByteArray zlib = qCompress(QByteArray(qsizetype(inflated), '\0'), 9).mid(4);
@@ -123,7 +127,7 @@ QString CompressedFrameMp3() {
                         Be32(inflated) + zlib;
     QByteArray tag =
         "ID3" + QByteArray("\x03\x00\x00", 3) + SyncSafe(quint32(frames.size())) + frames;
-    return Write("hostile-zlib-frame.mp3", tag + f.readAll());
+    return Write("hostile-zlib-frame.mp3", tag + audio);
 }
 
 // A CUE sheet whose BIN is 4 GB long (a sparse file: it takes no disk).
