@@ -1,6 +1,6 @@
 // Fuzz target: any bytes as a CUE/BIN disc image through the CD layer. The
 // input up to its first zero byte is the sheet ("image.cue"), the rest the
-// data file ("image.bin"). The sheet's file names are listed, the image is
+// data file ("image.bin"). The sheet's files and tracks are listed, the image is
 // opened as a drive, its table of contents read and two sectors read at the
 // start of every track, as a deck does. Whatever libcdio accepts must give a
 // table of contents that rises and stays within a CD's length.
@@ -52,9 +52,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t sheetSize = zero ? std::size_t(zero - data) : size;
     const std::size_t binSize = zero ? size - sheetSize - 1 : 0;
 
-    const std::vector<std::string> names =
-        cd::SheetFileNames(std::string_view(reinterpret_cast<const char*>(data), sheetSize));
-    Check(names.size() <= cd::kMaxSheetFiles + 1);
+    const cd::SheetContents sheet =
+        cd::ReadSheet(std::string_view(reinterpret_cast<const char*>(data), sheetSize));
+    Check(sheet.files.size() <= cd::kMaxSheetFiles + 1);
 
     const std::string cue = dir + "/image.cue";
     if (!WriteFile(cue, data, sheetSize) || !WriteFile(dir + "/image.bin", zero + 1, binSize))

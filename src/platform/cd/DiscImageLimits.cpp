@@ -52,18 +52,20 @@ bool IsBoundedRegularFile(const std::string& path, std::int64_t limit, struct st
 
 }  // namespace
 
-std::vector<std::string> SheetFileNames(std::string_view sheet) {
-    std::vector<std::string> names;
+SheetContents ReadSheet(std::string_view sheet) {
+    SheetContents out;
     std::string word;
-    while (!sheet.empty() && names.size() <= kMaxSheetFiles) {
+    while (!sheet.empty() && out.files.size() <= kMaxSheetFiles) {
         std::size_t end = sheet.find_first_of("\r\n");
         std::string_view line = sheet.substr(0, end);
         sheet = end == std::string_view::npos ? std::string_view() : sheet.substr(end + 1);
         std::string_view rest = FirstWord(line, &word);
         if (word == "FILE" || word == "AUDIOFILE" || word == "DATAFILE")
-            names.push_back(NameArgument(rest));
+            out.files.push_back(NameArgument(rest));
+        else if (word == "TRACK")
+            ++out.tracks;
     }
-    return names;
+    return out;
 }
 
 bool IsAcceptableDiscImage(const std::string& path) {
@@ -76,11 +78,11 @@ bool IsAcceptableDiscImage(const std::string& path) {
         return false;
     std::ifstream in(path, std::ios::binary);
     const std::string sheet((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    const std::vector<std::string> names = SheetFileNames(sheet);
-    if (names.size() > kMaxSheetFiles)
+    const SheetContents contents = ReadSheet(sheet);
+    if (contents.files.size() > kMaxSheetFiles || contents.tracks > kMaxSheetTracks)
         return false;
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-    for (const std::string& name : names) {
+    for (const std::string& name : contents.files) {
         if (name.empty())
             return false;
         const std::filesystem::path named =

@@ -6,7 +6,9 @@
 // sheet for 99 tracks with CD-Text fits in a few kilobytes; 256 KB is a
 // generous bound. Every file a sheet names (FILE, AUDIOFILE, DATAFILE lines,
 // resolved from the sheet's folder) must be a regular file within the image
-// bound and must not be the sheet itself.
+// bound and must not be the sheet itself. A sheet may declare at most 99
+// tracks, as a CD holds: libcdio's parsers write past their track table
+// when a sheet declares more.
 #pragma once
 
 #include <cstdint>
@@ -21,10 +23,16 @@ constexpr std::int64_t kMaxImageBytes = std::int64_t{kMaxDiscSectors} * 2352;
 constexpr std::int64_t kMaxSheetBytes = 256 * 1024;
 // Files a sheet may name: one per track of a full disc, plus one.
 constexpr std::size_t kMaxSheetFiles = 100;
+constexpr int kMaxSheetTracks = 99;
 
-// The file names a cue or toc sheet's FILE, AUDIOFILE and DATAFILE lines
-// give (quoted or bare), as written; at most kMaxSheetFiles + 1 of them.
-std::vector<std::string> SheetFileNames(std::string_view sheet);
+// What a cue or toc sheet declares: the file names its FILE, AUDIOFILE and
+// DATAFILE lines give (quoted or bare, as written; at most kMaxSheetFiles + 1
+// of them) and the number of its TRACK lines.
+struct SheetContents {
+    std::vector<std::string> files;
+    int tracks = 0;
+};
+SheetContents ReadSheet(std::string_view sheet);
 
 // True when `path` (a .cue, .toc or .nrg image) keeps every bound above.
 // Device paths (anything else) are not images and pass.

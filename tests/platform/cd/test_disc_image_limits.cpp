@@ -1,12 +1,14 @@
 // Disc images are checked before libcdio opens them: every file a sheet
 // names must be a regular file no larger than a CD, and not the sheet itself;
-// the sheet must be small. A sheet naming a pipe is refused at once instead
-// of blocking the drive list on it.
+// the sheet must be small and declare at most 99 tracks (libcdio writes past
+// its track table beyond that; found by the cd_image fuzz target). A sheet
+// naming a pipe is refused at once instead of blocking the drive on it.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <QFile>
 #include <QTemporaryDir>
+#include <string_view>
 
 #include "platform/cd/DiscImageLimits.h"
 #include "platform/cd/LibCdioBackend.h"
@@ -24,22 +26,26 @@ QByteArray SheetFor(const QByteArray& file) {
     return "FILE \"" + file + "\" BINARY\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n";
 }
 
+std::vector<std::string> Files(std::string_view sheet) {
+    return cd::ReadSheet(sheet).files;
+}
+
 }  // namespace
 
 TEST(DiscImageLimits, SheetsNameTheirFilesQuotedOrBare) {
     using Names = std::vector<std::string>;
-    EXPECT_EQ(cd::SheetFileNames("FILE \"a b.bin\" BINARY\r\n  TRACK 01 AUDIO\r\n"),
-              Names{"a b.bin"});
-    EXPECT_EQ(cd::SheetFileNames("  file bare.bin WAVE\nFILE \"x.bin\"\nREM FILE no.bin\n"),
+    EXPECT_EQ(Files("FILE \"a b.bin\" BINARY\r\n  TRACK 01 AUDIO\r\n"), Names{"a b.bin"});
+    EXPECT_EQ(Files("  file bare.bin WAVE\nFILE \"x.bin\"\nREM FILE no.bin\n"),
               (Names{"bare.bin", "x.bin"}));
-    EXPECT_EQ(cd::SheetFileNames("CD_DA\nTRACK AUDIO\nAUDIOFILE \"t.bin\" 0\nDATAFILE d.bin\n"),
+    EXPECT_EQ(Files("CD_DA\nTRACK AUDIO\nAUDIOFILE \"t.bin\" 0\nDATAFILE d.bin\n"),
               (Names{"t.bin", "d.bin"}));
-    EXPECT_EQ(cd::SheetFileNames("FILE \"unterminated"), Names{"unterminated"});
-    EXPECT_EQ(cd::SheetFileNames("FILE"), Names{""});
+    EXPECT_EQ(Files("FILE \"unterminated"), Names{"unterminated"});
+    EXPECT_EQ(Files("FILE"), Names{""});
     std::string many;
     for (int i = 0; i < 1000; ++i)
         many += "FILE f.bin BINARY\n";
-    EXPECT_EQ(cd::SheetFileNames(many).size(), cd::kMaxSheetFiles + 1);  // stops counting there
+    EXPECT_EQ(cd::ReadSheet(many).files.size(), cd::kMaxSheetFiles + 1);  // stops counting there
+    EXPECT_EQ(cd::ReadSheet("TRACK 01 AUDIO\n track 02 AUDIO\r\nREM TRACK 3\n").tracks, 2);
 }
 
 TEST(DiscImageLimits, OnlyBoundedRegularFilesOtherThanTheSheet) {
@@ -65,16 +71,21 @@ TEST(DiscImageLimits, OnlyBoundedRegularFilesOtherThanTheSheet) {
     for (std::size_t i = 0; i <= cd::kMaxSheetFiles; ++i)
         manyFiles += SheetFor("good.bin");
     const std::string tooManyFiles = Write(dir, "many.cue", manyFiles);
+    QByteArray hundredTracks = "FILE \"good.bin\" BINARY\n";
+    for (int t = 1; t <= 100; ++t)
+        hundredTracks += "  TRACK " + QByteArray::number(t) + " AUDIO\n    INDEX 01 00:00:00\n";
+    const std::string tooManyTracks = Write(dir, "tracks.cue", hundredTracks);
 
     EXPECT_TRUE(cd::IsAcceptableDiscImage(good));
     EXPECT_TRUE(cd::IsAcceptableDiscImage(absolute));
     EXPECT_TRUE(cd::IsAcceptableDiscImage("/dev/cdrom"));  // a drive, not an image
-    for (const std::string& bad : {missing, self, folder, pipe, tooBig, hugeSheet, tooManyFiles})
+    for (const std::string& bad :
+         {missing, self, folder, pipe, tooBig, hugeSheet, tooManyFiles, tooManyTracks})
         EXPECT_FALSE(cd::IsAcceptableDiscImage(bad)) << bad;
 
     // The backend refuses them before libcdio reads anything (the pipe would block it).
     cd::LibCdioBackend backend;
     EXPECT_NE(backend.Open({"good", good}), nullptr);
-    for (const std::string& bad : {self, pipe, tooBig})
+    for (const std::string& bad : {self, pipe, tooBig, tooManyTracks})
         EXPECT_EQ(backend.Open({"bad", bad}), nullptr) << bad;
 }
