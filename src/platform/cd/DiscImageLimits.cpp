@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <cctype>
+#include <charconv>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -62,8 +63,16 @@ SheetContents ReadSheet(std::string_view sheet) {
         std::string_view rest = FirstWord(line, &word);
         if (word == "FILE" || word == "AUDIOFILE" || word == "DATAFILE")
             out.files.push_back(NameArgument(rest));
-        else if (word == "TRACK")
+        else if (word == "TRACK") {
             ++out.tracks;
+            out.trackBeforeFile = out.trackBeforeFile || out.files.empty();
+            const std::string number = NameArgument(rest);
+            int n = 0;
+            const auto [end, error] =
+                std::from_chars(number.data(), number.data() + number.size(), n);
+            if (error != std::errc() || end != number.data() + number.size() || n != out.tracks)
+                out.tracksInOrder = false;
+        }
     }
     return out;
 }
@@ -79,7 +88,8 @@ bool IsAcceptableDiscImage(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     const std::string sheet((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     const SheetContents contents = ReadSheet(sheet);
-    if (contents.files.size() > kMaxSheetFiles || contents.tracks > kMaxSheetTracks)
+    if (contents.files.size() > kMaxSheetFiles || contents.tracks > kMaxSheetTracks ||
+        (HasExtension(path, ".cue") && (contents.trackBeforeFile || !contents.tracksInOrder)))
         return false;
     const std::filesystem::path folder = std::filesystem::path(path).parent_path();
     for (const std::string& name : contents.files) {

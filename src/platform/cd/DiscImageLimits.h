@@ -8,7 +8,11 @@
 // resolved from the sheet's folder) must be a regular file within the image
 // bound and must not be the sheet itself. A sheet may declare at most 99
 // tracks, as a CD holds: libcdio's parsers write past their track table
-// when a sheet declares more.
+// when a sheet declares more, and its cue parser reads freed memory when a
+// TRACK comes before the first FILE (a toc sheet names its files inside
+// its tracks, so there that order is normal) or when its tracks do not count
+// from 1 (a first track numbered 80 reads freed memory too); real cue sheets
+// number their tracks 1, 2, 3 ...
 #pragma once
 
 #include <cstdint>
@@ -31,6 +35,8 @@ constexpr int kMaxSheetTracks = 99;
 struct SheetContents {
     std::vector<std::string> files;
     int tracks = 0;
+    bool trackBeforeFile = false;  // a TRACK line comes before any file line
+    bool tracksInOrder = true;     // the n-th TRACK line is numbered n (cue sheets)
 };
 SheetContents ReadSheet(std::string_view sheet);
 

@@ -1,7 +1,9 @@
 // Disc images are checked before libcdio opens them: every file a sheet
 // names must be a regular file no larger than a CD, and not the sheet itself;
 // the sheet must be small and declare at most 99 tracks (libcdio writes past
-// its track table beyond that; found by the cd_image fuzz target). A sheet
+// its track table beyond that) and name a FILE before its first TRACK (else
+// libcdio reads freed memory) and number its tracks from 1 (a first track
+// 80 reads freed memory too); all found by the cd_image fuzz target. A sheet
 // naming a pipe is refused at once instead of blocking the drive on it.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -46,6 +48,12 @@ TEST(DiscImageLimits, SheetsNameTheirFilesQuotedOrBare) {
         many += "FILE f.bin BINARY\n";
     EXPECT_EQ(cd::ReadSheet(many).files.size(), cd::kMaxSheetFiles + 1);  // stops counting there
     EXPECT_EQ(cd::ReadSheet("TRACK 01 AUDIO\n track 02 AUDIO\r\nREM TRACK 3\n").tracks, 2);
+    EXPECT_TRUE(cd::ReadSheet("TRACK 01 AUDIO\nFILE a.bin BINARY\n").trackBeforeFile);
+    EXPECT_FALSE(cd::ReadSheet("FILE a.bin BINARY\nTRACK 01 AUDIO\n").trackBeforeFile);
+    EXPECT_TRUE(cd::ReadSheet("FILE a\nTRACK 01 AUDIO\nTRACK 2 AUDIO\n").tracksInOrder);
+    EXPECT_FALSE(cd::ReadSheet("FILE a\nTRACK 01 AUDIO\nTRACK 03 AUDIO\n").tracksInOrder);
+    EXPECT_FALSE(cd::ReadSheet("FILE a\nTRACK 80 AUDIO\n").tracksInOrder);
+    EXPECT_FALSE(cd::ReadSheet("FILE a\nTRACK x1 AUDIO\n").tracksInOrder);
 }
 
 TEST(DiscImageLimits, OnlyBoundedRegularFilesOtherThanTheSheet) {
@@ -75,17 +83,22 @@ TEST(DiscImageLimits, OnlyBoundedRegularFilesOtherThanTheSheet) {
     for (int t = 1; t <= 100; ++t)
         hundredTracks += "  TRACK " + QByteArray::number(t) + " AUDIO\n    INDEX 01 00:00:00\n";
     const std::string tooManyTracks = Write(dir, "tracks.cue", hundredTracks);
+    const std::string track80 = Write(dir, "track80.cue",
+                                      "FILE \"good.bin\" BINARY\n  TRACK 80 AUDIO\n"
+                                      "    INDEX 01 00:00:00\n");
+    const std::string trackFirst = Write(
+        dir, "trackfirst.cue", "  TRACK 91 AUDIO\n   INDEX 02 00:00:01\n" + SheetFor("good.bin"));
 
     EXPECT_TRUE(cd::IsAcceptableDiscImage(good));
     EXPECT_TRUE(cd::IsAcceptableDiscImage(absolute));
     EXPECT_TRUE(cd::IsAcceptableDiscImage("/dev/cdrom"));  // a drive, not an image
     for (const std::string& bad :
-         {missing, self, folder, pipe, tooBig, hugeSheet, tooManyFiles, tooManyTracks})
+         {missing, self, folder, pipe, tooBig, hugeSheet, tooManyFiles, tooManyTracks, trackFirst})
         EXPECT_FALSE(cd::IsAcceptableDiscImage(bad)) << bad;
 
     // The backend refuses them before libcdio reads anything (the pipe would block it).
     cd::LibCdioBackend backend;
     EXPECT_NE(backend.Open({"good", good}), nullptr);
-    for (const std::string& bad : {self, pipe, tooBig, tooManyTracks})
+    for (const std::string& bad : {self, pipe, tooBig, tooManyTracks, trackFirst, track80})
         EXPECT_EQ(backend.Open({"bad", bad}), nullptr) << bad;
 }
