@@ -12,15 +12,18 @@
 
 namespace {
 
-// Blocks read at most per input: enough for any small seed, short enough to
-// keep the fuzzer fast on inputs that claim hours of sound.
-constexpr int kMaxBlocks = 2000;
+// Blocks read at most per input (1.7 s at 44100 Hz): more than any seed
+// holds, short enough to keep the fuzzer fast on inputs that claim hours of
+// sound.
+constexpr int kMaxBlocks = 64;
 
+// The input's file, in memory when /dev/shm exists.
 const std::string& TempPath() {
     static const std::string path = [] {
         const char* dir = std::getenv("TMPDIR");
-        return std::string(dir && *dir ? dir : "/tmp") + "/mixora_fuzz_media_" +
-               std::to_string(getpid());
+        const std::string base =
+            access("/dev/shm", W_OK) == 0 ? "/dev/shm" : (dir && *dir ? dir : "/tmp");
+        return base + "/mixora_fuzz_media_" + std::to_string(getpid());
     }();
     return path;
 }

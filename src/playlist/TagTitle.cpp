@@ -4,10 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <fileref.h>
-#include <tag.h>
 #include <cerrno>
 
+#include "playlist/BoundedTagFile.h"
 #include "playlist/TextEncoding.h"
 
 namespace {
@@ -50,19 +49,20 @@ bool ReadId3v1Title(const std::string& path, std::string* title) {
         ++len;
     while (len > 0 && tag[3 + len - 1] == ' ')
         --len;
-    if (len == 0)
+    // Decoded, a title of only a byte order mark is empty too.
+    std::string text = TextAsUtf8(std::string_view(tag + 3, len));
+    if (text.empty())
         return false;
-    *title = TextAsUtf8(std::string_view(tag + 3, len));
+    *title = std::move(text);
     return true;
 }
 
 bool ReadTagLibTitle(const std::string& path, std::string* title) {
     if (!IsTaggableFile(path))
         return false;
-    TagLib::FileRef file(path.c_str(), /*readAudioProperties=*/false);
-    if (file.isNull() || file.tag() == nullptr)
+    std::string text;
+    if (!ReadBoundedTagTitle(path, &text))
         return false;
-    std::string text = file.tag()->title().to8Bit(/*unicode=*/true);
     while (!text.empty() && (text.back() == ' ' || text.back() == '\0'))
         text.pop_back();
     if (text.empty())

@@ -10,7 +10,8 @@
 bool ReadId3v1Title(const std::string& path, std::string* title);
 
 // The title TagLib finds in the file's tags (ID3v2, Vorbis comments, ASF,
-// MP4, APE, RIFF INFO ...), as UTF-8. False when none, or the file is
+// MP4, APE, RIFF INFO ...), as UTF-8, within the bounds of BoundedTagFile.h.
+// False when none, a bound refused the file, or the file is
 // unreadable or not longer than 128 bytes.
 bool ReadTagLibTitle(const std::string& path, std::string* title);
 

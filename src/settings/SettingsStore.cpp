@@ -1,7 +1,6 @@
 #include "settings/SettingsStore.h"
 
 #include <QDir>
-#include <QFile>
 #include <bit>
 
 #include "core/Paths.h"
@@ -12,7 +11,13 @@ QString SettingsStore::DefaultPath() {
 }
 
 SettingsStore::SettingsStore(QString filePath, SettingsNotifier notifier)
-    : path_(std::move(filePath)), notifier_(std::move(notifier)) {}
+    : path_(std::move(filePath)),
+      file_(std::make_unique<DiskSettingsFile>(path_, DamagedCopyPath())),
+      notifier_(std::move(notifier)) {}
+
+SettingsStore::SettingsStore(std::unique_ptr<SettingsFile> file, QString filePath,
+                             SettingsNotifier notifier)
+    : path_(std::move(filePath)), file_(std::move(file)), notifier_(std::move(notifier)) {}
 
 void SettingsStore::SetNotifier(SettingsNotifier notifier) {
     std::lock_guard lock(mutex_);
@@ -145,21 +150,21 @@ const SettingsValue* SettingsStore::FindLocked(const QString& name) {
 void SettingsStore::RefreshLocked() {
     if (!loaded_) {
         loaded_ = true;
-        RemoveStaleTemporaries(path_);
+        file_->Tidy();
         LoadLocked();
         return;
     }
     // Inside a batch the memory holds unwritten values: keep them.
     if (batchDepth_ > 0 && dirty_)
         return;
-    if (StatFile(path_) != fileId_)
+    if (file_->Stat() != fileId_)
         LoadLocked();
 }
 
 void SettingsStore::LoadLocked() {
     QByteArray bytes;
     QString error;
-    const FileStatus status = ReadWholeFile(path_, kMaxFileBytes, &bytes, &fileId_, &error);
+    const FileStatus status = file_->Read(kMaxFileBytes, &bytes, &fileId_, &error);
     if (status == FileStatus::Missing) {
         values_.clear();
         return;
@@ -168,9 +173,8 @@ void SettingsStore::LoadLocked() {
         if (error == QLatin1String("too large")) {
             // Nothing in it can be trusted; move it aside whole and start clean.
             values_.clear();
-            QFile::remove(DamagedCopyPath());
-            QFile::rename(path_, DamagedCopyPath());
-            fileId_ = StatFile(path_);
+            file_->SetAside();
+            fileId_ = file_->Stat();
             TellOnceLocked(
                 toldDamaged_,
                 QStringLiteral("The settings file \"%1\" is damaged and was set aside as "
@@ -191,8 +195,7 @@ void SettingsStore::LoadLocked() {
     values_ = std::move(parse.values);
     if (!parse.damaged)
         return;
-    QString copyError;
-    WriteFileAtomically(DamagedCopyPath(), bytes, nullptr, &copyError);
+    file_->KeepDamagedCopy(bytes);
     TellOnceLocked(
         toldDamaged_,
         QStringLiteral("The settings file \"%1\" was damaged (line %2 could not be read). A copy "
@@ -213,7 +216,7 @@ bool SettingsStore::SaveLocked() {
     dirty_ = false;
     QString error;
     FileIdentity written;
-    lastSaveOk_ = WriteFileAtomically(path_, SerializeSettingsIni(values_), &written, &error);
+    lastSaveOk_ = file_->Write(SerializeSettingsIni(values_), &written, &error);
     if (lastSaveOk_) {
         fileId_ = written;
     } else {

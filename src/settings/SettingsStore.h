@@ -24,11 +24,13 @@
 #include <QString>
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <vector>
 
 #include "settings/AtomicFile.h"
+#include "settings/SettingsFile.h"
 #include "settings/SettingsIni.h"
 #include "settings/SettingsNotifier.h"
 
@@ -39,6 +41,10 @@ class SettingsStore {
     static constexpr qint64 kMaxFileBytes = 4 * 1024 * 1024;
 
     explicit SettingsStore(QString filePath, SettingsNotifier notifier = DefaultSettingsNotifier());
+    // Over another file (a MemorySettingsFile: the same reading and repairing
+    // without the disk); `filePath` is the name its messages give.
+    SettingsStore(std::unique_ptr<SettingsFile> file, QString filePath,
+                  SettingsNotifier notifier = DefaultSettingsNotifier());
     SettingsStore(const SettingsStore&) = delete;
     SettingsStore& operator=(const SettingsStore&) = delete;
 
@@ -98,6 +104,7 @@ class SettingsStore {
     void FlushMessages();
 
     const QString path_;
+    const std::unique_ptr<SettingsFile> file_;
     std::mutex mutex_;
     SettingsNotifier notifier_;
     SettingsMap values_;

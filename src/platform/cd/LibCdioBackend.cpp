@@ -1,5 +1,7 @@
 #include "platform/cd/LibCdioBackend.h"
 
+#include "platform/cd/DiscImageLimits.h"
+
 #include <cdio/cdio.h>
 #include <cdio/paranoia/cdda.h>
 #include <cdio/paranoia/paranoia.h>
@@ -91,6 +93,7 @@ class LibCdioDrive : public CdDrive {
         track_t last = cdio_get_last_track_num(cdio_);
         if (first == CDIO_INVALID_TRACK || last == CDIO_INVALID_TRACK || last < first)
             return false;
+        std::int32_t previous = -1;
         CdToc out;
         out.first = first;
         out.last = last;
@@ -98,8 +101,10 @@ class LibCdioDrive : public CdDrive {
             bool leadOut = t > last;
             track_t track = static_cast<track_t>(leadOut ? int{CDIO_CDROM_LEADOUT_TRACK} : t);
             lsn_t start = cdio_get_track_lsn(cdio_, track);
-            if (start == CDIO_INVALID_LSN)
+            // Addresses rise through the disc and end within a CD's 100 minutes.
+            if (start == CDIO_INVALID_LSN || start < previous || start > kMaxDiscSectors)
                 return false;
+            previous = start;
             CdTocEntry e;
             e.track = track;
             e.start = start;
@@ -228,7 +233,7 @@ std::vector<CdDriveInfo> LibCdioBackend::ListDrives() {
 }
 
 std::unique_ptr<CdDrive> LibCdioBackend::Open(const CdDriveInfo& drive) {
-    if (drive.device.empty())
+    if (drive.device.empty() || !IsAcceptableDiscImage(drive.device))
         return nullptr;
     CdIo_t* cdio = cdio_open(drive.device.c_str(), DriverFor(drive.device));
     if (!cdio)

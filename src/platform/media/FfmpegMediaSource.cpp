@@ -14,6 +14,9 @@ extern "C" {
 #include <cstring>
 #include <limits>
 #include <mutex>
+#include <string>
+
+#include "platform/media/MediaLimits.h"
 
 namespace media {
 namespace {
@@ -27,13 +30,34 @@ constexpr const char* kAudioContainers = "wav,w64,aiff,mp3,asf,ogg,flac,mov,aac,
 // Hundred-nanosecond units a second.
 constexpr std::int64_t k100nsPerSecond = 10000000;
 
-// FFmpeg prints nothing unless MIXORA_FFMPEG_LOG is set (then warnings and
-// worse go to stderr).
-void QuietLogging() {
+// Once per process: FFmpeg prints nothing unless MIXORA_FFMPEG_LOG is set
+// (then warnings and worse go to stderr), and no single allocation it makes
+// may exceed kMaxAllocationBytes (a header declaring gigabytes then fails
+// to open instead of filling the memory).
+void SetUpFfmpeg() {
     static std::once_flag once;
     std::call_once(once, [] {
         av_log_set_level(std::getenv("MIXORA_FFMPEG_LOG") ? AV_LOG_WARNING : AV_LOG_QUIET);
+        av_max_alloc(kMaxAllocationBytes);
     });
+}
+
+// Every audio decoder's name, comma-separated: the only codecs a file may open
+// (a cover picture's image decoder, or a video stream's, is never started).
+const std::string& AudioDecoders() {
+    static const std::string names = [] {
+        std::string list;
+        void* it = nullptr;
+        while (const AVCodec* c = av_codec_iterate(&it)) {
+            if (c->type != AVMEDIA_TYPE_AUDIO || !av_codec_is_decoder(c))
+                continue;
+            if (!list.empty())
+                list += ',';
+            list += c->name;
+        }
+        return list;
+    }();
+    return names;
 }
 
 // The delivered type for a decoder format; false for those that need the
@@ -112,7 +136,7 @@ std::unique_ptr<MediaSource> CreateMediaSource() {
 }
 
 FfmpegMediaSource::FfmpegMediaSource() {
-    QuietLogging();
+    SetUpFfmpeg();
 }
 
 FfmpegMediaSource::~FfmpegMediaSource() {
@@ -131,7 +155,7 @@ bool FfmpegMediaSource::Open(const std::string& path) {
     }
     const int channels = frame_->ch_layout.nb_channels;
     const int rate = frame_->sample_rate;
-    if (channels <= 0 || rate <= 0) {
+    if (!IsPlausibleAudioStream({channels, rate, 0, frame_->nb_samples})) {
         Close();
         return false;
     }
@@ -177,10 +201,13 @@ bool FfmpegMediaSource::Open(const std::string& path) {
 bool FfmpegMediaSource::OpenInput() {
     // Only plain files of audio containers: no network, no playlists reaching
     // elsewhere. The "file:" prefix keeps a name with a colon from reading
-    // as a protocol.
+    // as a protocol. Probing stays small and only audio decoders open.
     AVDictionary* options = nullptr;
     av_dict_set(&options, "protocol_whitelist", "file", 0);
     av_dict_set(&options, "format_whitelist", kAudioContainers, 0);
+    av_dict_set(&options, "codec_whitelist", AudioDecoders().c_str(), 0);
+    av_dict_set_int(&options, "probesize", kProbeBytes, 0);
+    av_dict_set_int(&options, "analyzeduration", kAnalyzeMicroseconds, 0);
     const std::string url = "file:" + path_;
     const int opened = avformat_open_input(&format_ctx_, url.c_str(), nullptr, &options);
     av_dict_free(&options);
@@ -197,13 +224,22 @@ bool FfmpegMediaSource::OpenInput() {
         if (int(i) != streamIndex_)
             format_ctx_->streams[i]->discard = AVDISCARD_ALL;
 
+    // Absurd declarations are refused before a decoder sizes its buffers by them.
     AVStream* st = format_ctx_->streams[streamIndex_];
+    const AVCodecParameters* par = st->codecpar;
+    if (!IsPlausibleAudioStream(
+            {par->ch_layout.nb_channels, par->sample_rate, par->block_align, par->frame_size}))
+        return false;
     codec_ = avcodec_alloc_context3(decoder);
     if (!codec_ || avcodec_parameters_to_context(codec_, st->codecpar) < 0)
         return false;
     codec_->thread_count = 1;  // decode on the caller's (reader) thread
     codec_->pkt_timebase = st->time_base;
-    if (avcodec_open2(codec_, decoder, nullptr) < 0)
+    AVDictionary* codecOptions = nullptr;
+    av_dict_set(&codecOptions, "codec_whitelist", AudioDecoders().c_str(), 0);
+    const int codecOpened = avcodec_open2(codec_, decoder, &codecOptions);
+    av_dict_free(&codecOptions);
+    if (codecOpened < 0)
         return false;
     packet_ = av_packet_alloc();
     frame_ = av_frame_alloc();
@@ -346,6 +382,19 @@ bool FfmpegMediaSource::Convert(int skip) {
         int r = swr_alloc_set_opts2(&swr_, &outLayout, PackedFormat(format_.type),
                                     format_.sampleRate, &inLayout, AVSampleFormat(inFormat),
                                     frame_->sample_rate, 0, nullptr);
+        // Channels no speaker layout names (9, 17, 32 of them): even ones to
+        // the left, odd ones to the right (all to a mono output), each side
+        // an average, so that the sound keeps its level.
+        if (r >= 0 && inLayout.order != AV_CHANNEL_ORDER_NATIVE) {
+            std::vector<double> matrix(std::size_t(format_.channels) * inChannels, 0.0);
+            const int perSide = format_.channels == 1 ? inChannels : (inChannels + 1) / 2;
+            for (int c = 0; c < inChannels; ++c) {
+                const int side = format_.channels == 1 ? 0 : c % 2;
+                const int count = side == 0 ? perSide : inChannels / 2;
+                matrix[std::size_t(side) * inChannels + c] = 1.0 / count;
+            }
+            r = swr_set_matrix(swr_, matrix.data(), inChannels);
+        }
         av_channel_layout_uninit(&inLayout);
         av_channel_layout_uninit(&outLayout);
         if (r < 0 || swr_init(swr_) < 0) {

@@ -12,6 +12,10 @@
 // frame size so that seeks stay sample exact there too. Seeks close to the
 // start decode from the beginning again; Ogg seeks start from a fresh
 // demuxer (its own seek mislabels packets inside a page read before).
+//
+// Opening keeps the bounds of MediaLimits.h: one allocation at most 64 MB,
+// small probing, audio demuxers and decoders only, and stream parameters in
+// range before the decoder starts.
 #pragma once
 
 #include <cstdint>
