@@ -1,8 +1,10 @@
 #include "app/ShellAutoTest.h"
 
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QKeyEvent>
 #include <QTimer>
+#include <memory>
 
 #include "app/CMixoraDlg.h"
 #include "app/ShellLog.h"
@@ -11,6 +13,7 @@
 #include "deck/CRynDeck.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "platform/PlatformLayers.h"
+#include "platform/sound/SoundDevice.h"
 
 namespace {
 
@@ -77,6 +80,33 @@ void ArmAutoTest(CMixoraDlg& host) {
                          .arg(deck->DropLiftButton()->Caption()));
             h->MainMixer()->close();
         });
+    } else if (script == QLatin1String("device-watch")) {
+        // Deck A plays the command line's file; ten times a second one line
+        // tells what the main device and deck A do. When a lost device comes
+        // back the needle is dropped again. The run ends by a signal.
+        QTimer::singleShot(400, h, [h] { h->MainMixer()->Deck(0)->DropNeedle(); });
+        auto* watch = new QTimer(h);
+        auto returns = std::make_shared<int>(0);
+        QObject::connect(watch, &QTimer::timeout, h, [h, returns] {
+            CRynMainMixer* mixer = h->MainMixer();
+            CRynDeck* deck = mixer->Deck(0);
+            sound::SoundDevice* device = mixer->MainOutput().Device();
+            if (mixer->MainWatch().Returns() != *returns) {
+                *returns = mixer->MainWatch().Returns();
+                if (!deck->NeedleDown())
+                    deck->DropNeedle();
+            }
+            ShellLog(QStringLiteral("watch %1 lost %2 device %3 frames %4 needle %5 elapsed %6 "
+                                    "display %7")
+                         .arg(QDateTime::currentMSecsSinceEpoch())
+                         .arg(mixer->MainWatch().Lost() ? 1 : 0)
+                         .arg(device ? QString::fromStdString(device->Identifier()) : "none")
+                         .arg(device ? device->FramesRendered() : 0)
+                         .arg(deck->DropLiftButton()->Caption())
+                         .arg(deck->ElapsedSeconds(), 0, 'f', 2)
+                         .arg(deck->TrackDisplayText()));
+        });
+        watch->start(100);
     } else if (script == QLatin1String("play-close")) {
         for (int d = 0; d < 2; ++d) {
             PostAppMessageRetry(h->MainMixer()->Handle(), UWM_START_FORWARD_THREAD,

@@ -21,12 +21,15 @@
 
 namespace {
 
+const QColor kDisplayText(120, 230, 140);
+const QColor kNoticeText(255, 70, 60);
+
 QLabel* MakeDisplay(QWidget* parent, int pointSize) {
     auto* label = new QLabel(parent);
     label->setAutoFillBackground(true);
     QPalette p = label->palette();
     p.setColor(QPalette::Window, QColor(12, 16, 20));
-    p.setColor(QPalette::WindowText, QColor(120, 230, 140));
+    p.setColor(QPalette::WindowText, kDisplayText);
     label->setPalette(p);
     QFont f = label->font();
     f.setPointSize(pointSize);
@@ -163,7 +166,7 @@ void CRynDeck::BuildControls() {
     grid->setContentsMargins(6, 6, 6, 6);
 
     trackName_ = MakeDisplay(this, 10);
-    trackName_->setText(QString::fromLatin1(DeckSource::kNoFile));
+    SetTrackName(QString::fromLatin1(DeckSource::kNoFile));
     trackName_->setToolTip(QStringLiteral("Current Track Name Display"));
     trackNumber_ = MakeDisplay(this, 10);
     trackNumber_->setText(QStringLiteral("0/0"));
@@ -317,10 +320,24 @@ void CRynDeck::SetTransportEnabled(bool on) {
 }
 
 void CRynDeck::SetTrackName(const QString& text) {
-    trackName_->setText(text);
+    trackNameText_ = text;
+    if (deviceNotice_.isEmpty())
+        trackName_->setText(text);
+}
+
+void CRynDeck::SetDeviceNotice(const QString& notice) {
+    deviceNotice_ = notice;
+    QPalette p = trackName_->palette();
+    p.setColor(QPalette::WindowText, notice.isEmpty() ? kDisplayText : kNoticeText);
+    trackName_->setPalette(p);
+    trackName_->setText(notice.isEmpty() ? trackNameText_ : notice);
 }
 
 QString CRynDeck::TrackNameText() const {
+    return trackNameText_;
+}
+
+QString CRynDeck::TrackDisplayText() const {
     return trackName_->text();
 }
 

@@ -2,6 +2,7 @@
 
 #include <QCloseEvent>
 #include <QDebug>
+#include <QLabel>
 #include <QThread>
 #include <QVBoxLayout>
 
@@ -17,10 +18,34 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     : CRynWindow("CRynMainMixer", kTemplateId, parent), notify_(Engine()) {
     setWindowTitle(QStringLiteral("Mixora"));
     panel_ = new MainMixerPanel(&mainOutput_, &Settings(), this);
+    deviceNotice_ = new QLabel(this);
+    deviceNotice_->setObjectName(QStringLiteral("Main Mixer Device Notice"));
+    deviceNotice_->setWordWrap(true);
+    deviceNotice_->setStyleSheet(
+        QStringLiteral("QLabel { background: rgb(90, 10, 10); color: rgb(255, 220, 200); "
+                       "padding: 3px; }"));
+    deviceNotice_->hide();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(deviceNotice_);
     layout->addWidget(panel_);
     resize(340, 300);
+
+    mainWatch_.onLost = [this](const std::string& description) { OnMainDeviceLost(description); };
+    mainWatch_.onBack = [this](const std::string&) { OnMainDeviceBack(); };
+    mainWatch_.onBuffersRebuilt = [this](int deck) {
+        // New buffers carry no settings: gains, tempo and pans again.
+        panel_->ApplyCrossFader();
+        if (decks_[deck])
+            decks_[deck]->ApplyTempo();
+        if (onBuffersCreated)
+            onBuffersCreated(deck);
+    };
+    clock_.start();
+    watchTimer_.setInterval(OutputDeviceWatch::kCheckMs);
+    connect(&watchTimer_, &QTimer::timeout, this,
+            [this] { mainWatch_.Check(static_cast<double>(clock_.elapsed())); });
 }
 
 CRynMainMixer::~CRynMainMixer() {
@@ -92,6 +117,10 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
     }
     if (identifier.empty()) {
         // The disabled choice: no device, the master controls at rest.
+        mainWatch_.Watch(std::string());
+        watchTimer_.stop();
+        if (!deviceNotice_->isHidden())
+            OnMainDeviceBack();
         mainOutput_.ReleaseAll();
         mainOutput_.CloseDevice();
         panel_->SetBalance(0.0f);
@@ -105,7 +134,13 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
         qWarning("Mixora: the sound device %s could not be opened; playing silently.",
                  identifier.c_str());
         mainOutput_.OpenDevice(sound::kNullDeviceId, sound::kNullDeviceId, Handle(), false);
+        mainWatch_.Watch(std::string());
+    } else {
+        mainWatch_.Watch(identifier);
     }
+    if (!deviceNotice_->isHidden())
+        OnMainDeviceBack();  // a new choice ends a loss
+    watchTimer_.start();
     // The volume slide shows the device's master level; balance to the centre.
     panel_->SetVolume(static_cast<float>(
         (mainOutput_.MasterLeftPercent() + mainOutput_.MasterRightPercent()) * 0.005));
@@ -153,6 +188,7 @@ void CRynMainMixer::SetMixStepSink(MixStepSink* sink) {
 void CRynMainMixer::KillTimers() {
     for (int id = 1; id <= kTimerCount; ++id)
         KillWindowTimer(id);
+    watchTimer_.stop();
     panel_->SetAutoPan(false);
     panel_->StopTimers();
 }
@@ -198,6 +234,39 @@ void CRynMainMixer::StopDeck(int deck) {
 void CRynMainMixer::StopReverse(int deck) {
     notify_.Stop(NotifyKind::Reverse, deck);
     sink_->PlayReverse(deck, false);
+}
+
+QString CRynMainMixer::DeviceNoticeText() const {
+    return deviceNotice_->isHidden() ? QString() : deviceNotice_->text();
+}
+
+void CRynMainMixer::OnMainDeviceLost(const std::string& description) {
+    const QString name = QString::fromStdString(description);
+    for (CRynDeck* deck : decks_) {
+        if (!deck)
+            continue;
+        // Stopped as if the needle were lifted; lists and settings stay.
+        if (deck->NeedleDown())
+            deck->LiftNeedle();
+        deck->SetDeviceNotice(QStringLiteral("Sound device lost: %1").arg(name));
+    }
+    deviceNotice_->setText(QStringLiteral("Main sound device lost: %1. Playing silently until it "
+                                          "returns; Mixora reopens it then.")
+                               .arg(name));
+    deviceNotice_->show();
+}
+
+void CRynMainMixer::OnMainDeviceBack() {
+    for (CRynDeck* deck : decks_) {
+        if (!deck)
+            continue;
+        // Whatever played on the Null device meanwhile stops: drop the needle again.
+        if (deck->NeedleDown())
+            deck->LiftNeedle();
+        deck->SetDeviceNotice(QString());
+    }
+    deviceNotice_->clear();
+    deviceNotice_->hide();
 }
 
 void CRynMainMixer::OnTick() {
