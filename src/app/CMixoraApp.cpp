@@ -3,10 +3,13 @@
 #include <QApplication>
 #include <cstdio>
 
+#include <unistd.h>
+
 #include "app/CMixoraDlg.h"
 #include "app/CommandLine.h"
 #include "app/SettingsPrompts.h"
 #include "app/ShellAutoTest.h"
+#include "app/SignalShutdown.h"
 
 namespace {
 QStringList g_files;
@@ -57,6 +60,12 @@ int CMixoraApp::Run(int argc, char** argv) {
     CMixoraDlg host(std::move(options));
     if (!host.StartUp())
         return 1;
+    // SIGTERM, SIGINT and SIGHUP: the ordinary shutdown; during one, the end.
+    InstallSignalShutdown([&host](int sig) {
+        if (host.ShuttingDown())
+            _exit(128 + sig);
+        PostAppMessageRetry(host.Handle(), UWM_SHUTDOWN, 0, 0);
+    });
     ArmAutoTest(host);
     return QApplication::exec();
 }

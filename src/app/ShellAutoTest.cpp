@@ -107,6 +107,13 @@ void ArmAutoTest(CMixoraDlg& host) {
                          .arg(deck->TrackDisplayText()));
         });
         watch->start(100);
+    } else if (script == QLatin1String("change-and-wait")) {
+        // Deck A's time display moves on (a stored setting); then the run
+        // waits for a signal.
+        QTimer::singleShot(200, h, [h] {
+            h->MainMixer()->Deck(0)->NextTimeDisplayMode();
+            ShellLog(QStringLiteral("changed"));
+        });
     } else if (script == QLatin1String("play-close")) {
         for (int d = 0; d < 2; ++d) {
             PostAppMessageRetry(h->MainMixer()->Handle(), UWM_START_FORWARD_THREAD,

@@ -6,6 +6,8 @@
 //                  logs the main device, its loss and deck A (for the tests
 //                  that take the sound server away); a returning device gets
 //                  the needle dropped again;
+//   "change-and-wait": deck A's time display mode moves on (a stored
+//                  setting), "changed" is logged, and the run waits;
 //   "play-close":  starts both decks' notification threads, lets a simulated
 //                  device signal block boundaries for a while, then closes
 //                  the main mixer while both decks play.

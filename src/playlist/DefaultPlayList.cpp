@@ -1,5 +1,7 @@
 #include "playlist/DefaultPlayList.h"
 
+#include <QDir>
+
 #include "core/Paths.h"
 
 std::string DefaultListPath(int deck) {
@@ -12,5 +14,7 @@ ListLoadResult LoadDefaultList(PlayList& list, int deck) {
 }
 
 ListFileStatus SaveDefaultList(PlayList& list, int deck) {
+    // The data folder does not exist before the first save.
+    QDir().mkpath(DataDir());
     return list.Save(DefaultListPath(deck), ".m3u");
 }

@@ -2,6 +2,9 @@
 
 #include <QCloseEvent>
 
+#include "core/EngineState.h"
+#include "playlist/DefaultPlayList.h"
+
 CRynPlayList::CRynPlayList(QWidget* parent) : CRynWindow("CRynPlayList", kTemplateId, parent) {
     resize(360, 300);
 }
@@ -13,7 +16,12 @@ void CRynPlayList::Initialise(WindowHandle deckWindow, int deck) {
 }
 
 void CRynPlayList::StopPlayList() {
+    if (stopped_)
+        return;
     stopped_ = true;
+    // A list in File mode is kept as the deck's default list.
+    if (Engine().decks[deck_].sourceType.load() == 1)
+        SaveDefaultList(list_, deck_);
 }
 
 void CRynPlayList::closeEvent(QCloseEvent* event) {

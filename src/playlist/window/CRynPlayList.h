@@ -18,7 +18,8 @@ class CRynPlayList : public CRynWindow {
     int DeckIndex() const { return deck_; }
     WindowHandle DeckWindow() const { return deckWindow_; }
 
-    // Shutdown: the list stops its work (probing, loading) for good.
+    // Shutdown: the list stops its work (probing, loading) for good; in File
+    // mode it is saved as the deck's default list.
     void StopPlayList();
     bool Stopped() const { return stopped_; }
 
