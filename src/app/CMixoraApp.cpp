@@ -7,9 +7,11 @@
 
 #include "app/CMixoraDlg.h"
 #include "app/CommandLine.h"
+#include "app/QuietMessages.h"
 #include "app/SettingsPrompts.h"
 #include "app/ShellAutoTest.h"
 #include "app/SignalShutdown.h"
+#include "core/Trace.h"
 
 namespace {
 QStringList g_files;
@@ -36,6 +38,9 @@ int CMixoraApp::Run(int argc, char** argv) {
             break;
     }
     g_files = cl.files;
+    if (cl.verbose)
+        EnableTraces();
+    InstallQuietMessages();
     if (g_files.size() > 2) {
         std::fprintf(stderr, "mixora: only two decks; files after the second are ignored\n");
         g_files = g_files.mid(0, 2);

@@ -18,6 +18,7 @@
 #include "core/CRynWindow.h"
 #include "core/EngineState.h"
 #include "core/ServiceThreads.h"
+#include "core/Trace.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
 #include "dsp/window/CRyn3DGraph.h"
@@ -465,7 +466,7 @@ LResult CMixoraDlg::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             }
             return 0;
         default:
-            qDebug().noquote() << "CMixoraDlg ignores" << UwmName(msg) << wParam << lParam;
+            qCDebug(lcTrace).noquote() << "CMixoraDlg ignores" << UwmName(msg) << wParam << lParam;
             return 0;
     }
 }

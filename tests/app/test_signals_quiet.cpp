@@ -21,6 +21,14 @@ QString ReadText(const QString& path) {
     return f.open(QIODevice::ReadOnly) ? QString::fromUtf8(f.readAll()) : QString();
 }
 
+// A private runtime folder, as a desktop session has (Qt warns without one).
+QString RuntimeDir() {
+    const QString dir = testsupport::FixtureDir() + "/runtime";
+    QDir().mkpath(dir);
+    QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return dir;
+}
+
 }  // namespace
 
 TEST(SignalsAndQuiet, EachSignalRunsTheOrdinaryShutdownAndSavesTheListAndSettings) {
@@ -59,4 +67,29 @@ TEST(SignalsAndQuiet, ASecondSignalDuringTheShutdownEndsAtOnce) {
     ASSERT_TRUE(child.Wait(2000)) << "the second signal did not end the program";
     EXPECT_EQ(child.ExitCode(), 128 + SIGTERM);
     EXPECT_FALSE(child.Log().contains("exit 0"));
+}
+
+TEST(SignalsAndQuiet, NothingReachesStandardErrorFromStartUpToTheEnd) {
+    REQUIRE_PROGRAM();
+    const QString tone = testsupport::MakeTone("quiet-tone.wav", 440, 2);
+    ASSERT_FALSE(tone.isEmpty());
+    testsupport::MixoraChild child;
+    // The system's own choice of device (PortAudio probes ALSA and JACK,
+    // which have nothing here), a file playing, then the user's close.
+    ASSERT_TRUE(child.Start({tone}, {"MIXORA_AUTOTEST=play-file", "MIXORA_SOUND_DEVICE=",
+                                     "XDG_RUNTIME_DIR=" + RuntimeDir(), "QT_LOGGING_RULES="}));
+    ASSERT_TRUE(child.Wait(30000));
+    EXPECT_EQ(child.ExitCode(), 0);
+    EXPECT_EQ(child.Log().value(child.Log().size() - 1), "exit 0");
+    EXPECT_EQ(child.Stderr(), QByteArray());
+    EXPECT_EQ(child.Stdout(), QByteArray());
+
+    // --verbose shows the developer traces.
+    testsupport::MixoraChild verbose;
+    ASSERT_TRUE(verbose.Start({"--verbose"},
+                              {"MIXORA_AUTOTEST=close-mixer", "XDG_RUNTIME_DIR=" + RuntimeDir()}));
+    ASSERT_TRUE(verbose.Wait(30000));
+    EXPECT_EQ(verbose.ExitCode(), 0);
+    EXPECT_TRUE(verbose.Stderr().contains("CRynMainMixer opens the main device null"))
+        << verbose.Stderr().constData();
 }

@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "core/EngineState.h"
+#include "core/Trace.h"
 #include "core/WorkerThread.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
@@ -130,6 +131,7 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
         return;
     }
     panel_->SetMasterEnabled(true);
+    qCDebug(lcTrace, "CRynMainMixer opens the main device %s", identifier.c_str());
     if (mainOutput_.OpenDevice(identifier, identifier, Handle(), false) != 0) {
         qWarning("Mixora: the sound device %s could not be opened; playing silently.",
                  identifier.c_str());
