@@ -85,6 +85,13 @@ void CRynDeck::RefreshTrackNumber() {
 LResult CRynDeck::OnEndOfTrack() {
     if (transport_->EndOfTrackPending())
         return 0;
+    // A file that ended before the length its header announced: the list
+    // takes the real length, so time and progress follow what is heard.
+    if (source_->Mode() == DeckSource::kFileMode && decoder_->IsOpen()) {
+        const auto real = static_cast<float>(decoder_->DurationSeconds());
+        if (real > 0.0f && real < List().CurrentDuration())
+            List().SetCurrentDuration(real);
+    }
     const bool joined = source_->OpenNextForJoin();
     // The transport counts down what is still to be heard of this track.
     transport_->BeginEndOfTrack();
