@@ -278,6 +278,9 @@ bool CMixoraDlg::StartUp() {
     ShellLog(QStringLiteral("tick and keyboard threads started"));
 
     PlaceAndShowWindows(low);
+    // The stored cross-fader curve, once every window that follows it is wired.
+    mainMixer_->Panel().SetCurveParameter(Settings().GetMainMixerXFaderCurveParameter());
+    ShellLog(QStringLiteral("cross-fader curve %1").arg(mainMixer_->Panel().Curve(), 0, 'f', 2));
     mainMixer_->activateWindow();
     mainMixer_->setFocus();
     mainMixer_->LayoutBuilt();

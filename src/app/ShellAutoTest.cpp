@@ -114,6 +114,13 @@ void ArmAutoTest(CMixoraDlg& host) {
             h->MainMixer()->Deck(0)->NextTimeDisplayMode();
             ShellLog(QStringLiteral("changed"));
         });
+    } else if (script == QLatin1String("set-curve")) {
+        // The cross-fader curve moves to 0.5 (a stored setting); then the
+        // user closes the program.
+        QTimer::singleShot(100, h, [h] {
+            h->MainMixer()->Panel().SetCurveParameter(0.5f);
+            h->MainMixer()->close();
+        });
     } else if (script == QLatin1String("play-close")) {
         for (int d = 0; d < 2; ++d) {
             PostAppMessageRetry(h->MainMixer()->Handle(), UWM_START_FORWARD_THREAD,

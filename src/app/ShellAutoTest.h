@@ -8,6 +8,8 @@
 //                  the needle dropped again;
 //   "change-and-wait": deck A's time display mode moves on (a stored
 //                  setting), "changed" is logged, and the run waits;
+//   "set-curve":   the cross-fader curve moves to 0.5, then the main mixer
+//                  closes;
 //   "play-close":  starts both decks' notification threads, lets a simulated
 //                  device signal block boundaries for a while, then closes
 //                  the main mixer while both decks play.

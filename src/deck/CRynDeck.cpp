@@ -47,11 +47,16 @@ CNiButton* MakeCommand(QWidget* parent, const QString& caption) {
     return b;
 }
 
-CNiButton* MakeLed(QWidget* parent, const QString& caption) {
+// A tool tip of a title and its description.
+QString TitledTip(const QString& title, const QString& text) {
+    return QStringLiteral("<b>%1</b><br>%2").arg(title.toHtmlEscaped(), text.toHtmlEscaped());
+}
+
+CNiButton* MakeLed(QWidget* parent, const QString& tip) {
     auto* b = new CNiButton(parent);
     b->SetStyle(CNiButton::kRoundLamp);
     b->SetColors(QColor(200, 200, 20), QColor(50, 50, 40));
-    b->setToolTip(caption);
+    b->setToolTip(tip);
     b->setFixedSize(16, 16);
     return b;
 }
@@ -210,6 +215,9 @@ void CRynDeck::BuildControls() {
     grid->addWidget(modeButton_, 4, 3);
     errorCorrection_ = new CNiButton(QString(), QString(), this);
     errorCorrection_->setEnabled(false);
+    errorCorrection_->setToolTip(
+        TitledTip(QStringLiteral("CD Error Correction:"),
+                  QStringLiteral("Turn On Error Correction (Seek Correction) for CD Rom drive.")));
     grid->addWidget(errorCorrection_, 4, 4, 1, 2);
 
     drives_ = new QComboBox(this);
@@ -217,9 +225,18 @@ void CRynDeck::BuildControls() {
     drives_->setEnabled(false);
     grid->addWidget(drives_, 5, 0, 1, 4);
 
-    freshDataLed_ = MakeLed(this, QStringLiteral("Fresh Data Low"));
-    discLowLed_ = MakeLed(this, QStringLiteral("Disc Buffer Low"));
-    readErrorLed_ = MakeLed(this, QStringLiteral("Disc Read Error"));
+    freshDataLed_ = MakeLed(
+        this, TitledTip(QStringLiteral("Fresh Data Is Low Warning LED:"),
+                        QStringLiteral("Lights up when the disc buffer is low and its priority "
+                                       "has been increased.")));
+    discLowLed_ = MakeLed(
+        this, TitledTip(QStringLiteral("Disc buffer is low warning LED"),
+                        QStringLiteral("This LED will light up when the disc buffer is low and "
+                                       "has been prioritized.")));
+    readErrorLed_ = MakeLed(
+        this,
+        TitledTip(QStringLiteral("Disc Read Error LED:"),
+                  QStringLiteral("This LED will light up when a disc read error has occured.")));
     readErrorLed_->SetColors(QColor(220, 30, 30), QColor(50, 40, 40));
     auto* leds = new QHBoxLayout;
     leds->addWidget(freshDataLed_);

@@ -195,11 +195,15 @@ void CRynDeck::OpenFiles(const QStringList& files) {
 
 void CRynDeck::RefreshDriveList() {
     const int selected = source_->Drive();
+    // The drive the other deck holds is not offered.
+    const int taken = Engine().decks[1 - deck_].cdDrive.load();
     drives_->clear();
-    drives_->addItem(QStringLiteral("No CD Drive"), -1);
+    drives_->addItem(QStringLiteral("No CD Drive Selected"), -1);
     if (cd_) {
-        for (int i = 0; i < cd_->DriveCount(); ++i)
-            drives_->addItem(QString::fromStdString(cd_->DriveName(i)), i);
+        for (int i = 0; i < cd_->DriveCount(); ++i) {
+            if (i != taken)
+                drives_->addItem(QString::fromStdString(cd_->DriveName(i)), i);
+        }
     }
     const int item = drives_->findData(selected);
     drives_->setCurrentIndex(item >= 0 ? item : kNoDriveItem);

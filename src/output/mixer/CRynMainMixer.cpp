@@ -11,6 +11,7 @@
 #include "core/WorkerThread.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
+#include "deck/source/DeckSource.h"
 #include "deck/transport/DeckTransport.h"
 #include "platform/sound/SoundSystem.h"
 #include "settings/CRynSettings.h"
@@ -175,7 +176,13 @@ void CRynMainMixer::ChangeLatency(int deck, WriteAheadTarget::Override which, bo
 LResult CRynMainMixer::AssignDrive(int deck, int drive) {
     if (drive >= 0 && drives_[1 - deck] == drive)
         return 0;  // the other deck holds it
+    const bool changed = drives_[deck] != drive;
     drives_[deck] = drive;
+    // Both decks' choosers follow: a drive one deck takes leaves the other's.
+    if (changed) {
+        for (int d = 0; d < 2; ++d)
+            PostAppMessageRetry(Handle(), UWM_REFRESH_CD_DRIVES, static_cast<WParam>(d), 0);
+    }
     return 1;
 }
 
@@ -301,6 +308,8 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
         case UWM_LATENCY_QUARTER:
         case UWM_ASSIGN_CD_DRIVE:
         case UWM_DECK_INFO_UPDATE:
+        case UWM_RELEASE_DECK:
+        case UWM_REFRESH_CD_DRIVES:
             return ValidDeck(wParam) ? OnDeckMessage(msg, static_cast<int>(wParam), lParam) : 0;
         case UWM_LATENCY_MAXIMUM:
             for (int d = 0; d < 2; ++d)
@@ -395,6 +404,16 @@ LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
             break;
         case UWM_ASSIGN_CD_DRIVE:
             return AssignDrive(deck, value);
+        case UWM_RELEASE_DECK:
+            mainOutput_.ReleaseDeck(deck);
+            if (CRynAudioOutput* phones = cycle_.Headphones())
+                phones->ReleaseDeck(deck);
+            break;
+        case UWM_REFRESH_CD_DRIVES:
+            // Only a deck in CD mode has a drive chooser to fill.
+            if (decks_[deck] && decks_[deck]->Source().Mode() == DeckSource::kCdMode)
+                decks_[deck]->RefreshDriveList();
+            break;
         case UWM_DECK_INFO_UPDATE:
             if (decks_[deck] && decks_[deck]->Info())
                 decks_[deck]->Info()->Refresh();
