@@ -6,8 +6,10 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <mutex>
+#include <optional>
 
 #include "core/ThreadRole.h"
 #include "platform/sound/JackBackend.h"
@@ -19,12 +21,12 @@ namespace {
 
 std::mutex g_mutex;
 bool g_initialised = false;
-// PortAudio's JACK host API came up: PortAudio then holds a JACK client of
-// its own, and terminating it after that server has gone aborts the process
-// (its clean-up asserts on the dead client). So PortAudio is never
-// terminated once it has seen JACK; JACK devices are listed and played by
-// Mixora's own client instead (JackBackend.h), which needs no restart of
-// the library to find a server that came back.
+// PortAudio's JACK host API came up after all (it is kept away from the
+// server, see InitLocked): PortAudio then holds a JACK client of its own,
+// and terminating it after that server has gone aborts the process (its
+// clean-up asserts on the dead client), so it is never terminated then.
+// JACK devices are listed and played by Mixora's own client (JackBackend.h),
+// which needs no restart of the library to find a server that came back.
 bool g_paHoldsJack = false;
 
 // ALSA's error handler type (alsa/error.h); libasound is reached through
@@ -70,7 +72,19 @@ SoundStatus InitLocked(std::string* problem = nullptr) {
     if (g_initialised)
         return kStatusOk;
     SilenceAlsa();
+    // PortAudio's JACK host API is kept from connecting (it is pointed at a
+    // server that does not exist): JACK devices are Mixora's own client,
+    // and PortAudio's idle client would only add a late member to the JACK
+    // graph and a clean-up that aborts once its server has gone.
+    const char* server = std::getenv("JACK_DEFAULT_SERVER");
+    const std::optional<std::string> saved =
+        server ? std::optional<std::string>(server) : std::nullopt;
+    setenv("JACK_DEFAULT_SERVER", "mixora-portaudio-without-jack", 1);
     const PaError err = WithQuietStderr([] { return Pa_Initialize(); });
+    if (saved)
+        setenv("JACK_DEFAULT_SERVER", saved->c_str(), 1);
+    else
+        unsetenv("JACK_DEFAULT_SERVER");
     if (err != paNoError) {
         if (problem)
             *problem = Pa_GetErrorText(err);
