@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <memory>
 
+#include "app/CMixoraApp.h"
 #include "app/CMixoraDlg.h"
 #include "app/ShellLog.h"
 #include "controls/CNiButton.h"
@@ -88,6 +89,8 @@ void ArmAutoTest(CMixoraDlg& host) {
         auto* watch = new QTimer(h);
         auto returns = std::make_shared<int>(0);
         QObject::connect(watch, &QTimer::timeout, h, [h, returns] {
+            if (h->ShuttingDown())
+                return;  // the windows are going
             CRynMainMixer* mixer = h->MainMixer();
             CRynDeck* deck = mixer->Deck(0);
             sound::SoundDevice* device = mixer->MainOutput().Device();
@@ -121,6 +124,37 @@ void ArmAutoTest(CMixoraDlg& host) {
             h->MainMixer()->Panel().SetCurveParameter(0.5f);
             h->MainMixer()->close();
         });
+    } else if (script == QLatin1String("soak")) {
+        // Both decks play their command-line files over and over: a deck
+        // whose track ended takes its file again and its needle drops. Every
+        // ten seconds a "soak" line counts the main device's underruns.
+        const QStringList files = CMixoraApp::CommandLineFiles();
+        auto* loop = new QTimer(h);
+        QObject::connect(loop, &QTimer::timeout, h, [h, files] {
+            if (h->ShuttingDown())
+                return;
+            for (int d = 0; d < 2 && d < files.size(); ++d) {
+                CRynDeck* deck = h->MainMixer()->Deck(d);
+                if (deck->TrackEnded())
+                    deck->OpenFiles({files[d]});
+                else if (deck->Rotating() && !deck->NeedleDown() && deck->Primed())
+                    deck->DropNeedle();
+            }
+        });
+        loop->start(250);
+        auto* report = new QTimer(h);
+        QObject::connect(report, &QTimer::timeout, h, [h] {
+            if (h->ShuttingDown())
+                return;
+            sound::SoundDevice* device = h->MainMixer()->MainOutput().Device();
+            ShellLog(QStringLiteral("soak %1 device %2 underruns %3 elapsed %4 %5")
+                         .arg(QDateTime::currentMSecsSinceEpoch())
+                         .arg(device ? QString::fromStdString(device->Identifier()) : "none")
+                         .arg(device ? device->UnderrunCount() : 0)
+                         .arg(h->MainMixer()->Deck(0)->ElapsedSeconds(), 0, 'f', 1)
+                         .arg(h->MainMixer()->Deck(1)->ElapsedSeconds(), 0, 'f', 1));
+        });
+        report->start(10000);
     } else if (script == QLatin1String("play-close")) {
         for (int d = 0; d < 2; ++d) {
             PostAppMessageRetry(h->MainMixer()->Handle(), UWM_START_FORWARD_THREAD,

@@ -10,6 +10,9 @@
 //                  setting), "changed" is logged, and the run waits;
 //   "set-curve":   the cross-fader curve moves to 0.5, then the main mixer
 //                  closes;
+//   "soak":        both decks play their command-line files over and over
+//                  (bench/soak); a "soak" line every ten seconds counts the
+//                  main device's underruns;
 //   "play-close":  starts both decks' notification threads, lets a simulated
 //                  device signal block boundaries for a while, then closes
 //                  the main mixer while both decks play.

@@ -141,8 +141,10 @@ TEST(DeviceLoss, TheJackServerGoesAwayAndComesBack) {
         "after it started\n",
         lost.ms - stopped, back.ms - restarted);
 
+    // And it still ends the ordinary way.
     child.Signal(SIGTERM);
-    EXPECT_TRUE(child.Wait(20000));
+    ASSERT_TRUE(child.Wait(20000));
+    EXPECT_EQ(child.ExitCode(), 0);
     server.Stop();
 }
 
