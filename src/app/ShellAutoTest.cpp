@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QKeyEvent>
 #include <QTimer>
+#include <array>
 #include <memory>
 
 #include "app/CMixoraApp.h"
@@ -129,16 +130,23 @@ void ArmAutoTest(CMixoraDlg& host) {
         // whose track ended takes its file again and its needle drops. Every
         // ten seconds a "soak" line counts the main device's underruns.
         const QStringList files = CMixoraApp::CommandLineFiles();
+        // When each deck last took its file again: its needle drops once the
+        // new first fill has primed the output (a second and a half later).
+        auto reloaded = std::make_shared<std::array<qint64, 2>>();
         auto* loop = new QTimer(h);
-        QObject::connect(loop, &QTimer::timeout, h, [h, files] {
+        QObject::connect(loop, &QTimer::timeout, h, [h, files, reloaded] {
             if (h->ShuttingDown())
                 return;
+            const qint64 now = QDateTime::currentMSecsSinceEpoch();
             for (int d = 0; d < 2 && d < files.size(); ++d) {
                 CRynDeck* deck = h->MainMixer()->Deck(d);
-                if (deck->TrackEnded())
+                if (deck->TrackEnded()) {
                     deck->OpenFiles({files[d]});
-                else if (deck->Rotating() && !deck->NeedleDown() && deck->Primed())
+                    (*reloaded)[d] = now;
+                } else if (deck->Rotating() && !deck->NeedleDown() && deck->Primed() &&
+                           now - (*reloaded)[d] > 1500) {
                     deck->DropNeedle();
+                }
             }
         });
         loop->start(250);
