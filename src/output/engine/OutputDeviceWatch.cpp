@@ -52,12 +52,17 @@ void OutputDeviceWatch::Check(double nowMs) {
 }
 
 void OutputDeviceWatch::TryReopen() {
-    // A refused refresh (another output holds a PortAudio stream) still
-    // leaves the old list, which may name the device.
-    if (directory_.refresh)
-        directory_.refresh();
-    if (!directory_.listed || !directory_.listed(watched_))
+    // Listed already (a JACK server is looked at live): no refresh. A
+    // refused refresh (another output holds a PortAudio stream) still leaves
+    // the old list, which may name the device.
+    if (!directory_.listed)
         return;
+    if (!directory_.listed(watched_)) {
+        if (directory_.refresh)
+            directory_.refresh();
+        if (!directory_.listed(watched_))
+            return;
+    }
     std::unique_ptr<sound::SoundDevice> device;
     if (!directory_.open || directory_.open(watched_, &device) != kStatusOk || !device)
         return;

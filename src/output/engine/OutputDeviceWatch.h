@@ -7,10 +7,11 @@
 //     half a second). When it is lost, onLost(description) runs first (the
 //     owner lifts its decks' needles and shows the loss), then the output
 //     falls back to the Null device, whose clock keeps the decks' time.
-//   - while it is lost, every kRetryMs Check() asks the sound layer to look
-//     again (PortAudio is started afresh, which sees a JACK server that came
-//     back; refused while another output holds a PortAudio stream, and then
-//     simply tried again later) and, once the device is listed, opens it
+//   - while it is lost, every kRetryMs Check() looks for it: when it is not
+//     listed, the sound layer is asked to look again (PortAudio is started
+//     afresh, which finds a USB card plugged in again; refused while another
+//     output holds a PortAudio stream, and then simply tried again later;
+//     JACK servers are listed live). Once the device is listed it is opened
 //     again; onBack(description) runs after that.
 //
 // Each switch drops the output's deck buffers with the old device: the watch
