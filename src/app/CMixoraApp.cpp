@@ -3,10 +3,15 @@
 #include <QApplication>
 #include <cstdio>
 
+#include <unistd.h>
+
 #include "app/CMixoraDlg.h"
 #include "app/CommandLine.h"
+#include "app/QuietMessages.h"
 #include "app/SettingsPrompts.h"
 #include "app/ShellAutoTest.h"
+#include "app/SignalShutdown.h"
+#include "core/Trace.h"
 
 namespace {
 QStringList g_files;
@@ -33,6 +38,9 @@ int CMixoraApp::Run(int argc, char** argv) {
             break;
     }
     g_files = cl.files;
+    if (cl.verbose)
+        EnableTraces();
+    InstallQuietMessages();
     if (g_files.size() > 2) {
         std::fprintf(stderr, "mixora: only two decks; files after the second are ignored\n");
         g_files = g_files.mid(0, 2);
@@ -57,6 +65,12 @@ int CMixoraApp::Run(int argc, char** argv) {
     CMixoraDlg host(std::move(options));
     if (!host.StartUp())
         return 1;
+    // SIGTERM, SIGINT and SIGHUP: the ordinary shutdown; during one, the end.
+    InstallSignalShutdown([&host](int sig) {
+        if (host.ShuttingDown())
+            _exit(128 + sig);
+        PostAppMessageRetry(host.Handle(), UWM_SHUTDOWN, 0, 0);
+    });
     ArmAutoTest(host);
     return QApplication::exec();
 }

@@ -20,6 +20,7 @@
 #include "core/CRynWindow.h"
 #include "core/EngineState.h"
 #include "core/ServiceThreads.h"
+#include "core/Trace.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
 #include "dsp/window/CRyn3DGraph.h"
@@ -303,6 +304,9 @@ bool CMixoraDlg::StartUp() {
 
     PlaceAndShowWindows(low);
     mainMixer_->Panel().ShowPhonesButton()->SetValue(headphones_->isVisible());
+    // The stored cross-fader curve, once every window that follows it is wired.
+    mainMixer_->Panel().SetCurveParameter(Settings().GetMainMixerXFaderCurveParameter());
+    ShellLog(QStringLiteral("cross-fader curve %1").arg(mainMixer_->Panel().Curve(), 0, 'f', 2));
     mainMixer_->activateWindow();
     mainMixer_->setFocus();
     mainMixer_->LayoutBuilt();
@@ -502,7 +506,7 @@ LResult CMixoraDlg::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             }
             return 0;
         default:
-            qDebug().noquote() << "CMixoraDlg ignores" << UwmName(msg) << wParam << lParam;
+            qCDebug(lcTrace).noquote() << "CMixoraDlg ignores" << UwmName(msg) << wParam << lParam;
             return 0;
     }
 }

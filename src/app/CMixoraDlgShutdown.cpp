@@ -118,17 +118,17 @@ void CMixoraDlg::Shutdown() {
     PumpAndPause();
 
     ShutdownStep(5, QStringLiteral("Destroying Deck Components."));
+    // Each deck's information, equalizer and play list windows, then the
+    // decks. The decks' timers and readers stopped in step 2, so nothing of
+    // theirs reads a play list any more.
     for (int d = 0; d < 2; ++d) {
         infos_[d].reset();
         equalizers_[d].reset();
+        playLists_[d].reset();
     }
-    // A deck reads its play list's entries (its progress timer runs until
-    // the deck goes), so the decks go before the play list windows.
+    PumpAndPause();
     for (auto& deck : decks_)
         deck.reset();
-    PumpAndPause();
-    for (auto& list : playLists_)
-        list.reset();
     PumpAndPause();
 
     ShutdownStep(0, QStringLiteral("Destroying Mixer"));

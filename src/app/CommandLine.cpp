@@ -14,6 +14,9 @@ CommandLine ParseCommandLine(const QStringList& arguments) {
                        "loaded on deck A, then deck B."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption verbose(
+        QStringLiteral("verbose"), QStringLiteral("Show the developer traces on standard error."));
+    parser.addOption(verbose);
     parser.addPositionalArgument(QStringLiteral("files"),
                                  QStringLiteral("Audio files (WAV, MP3, WMA, OGG): the first "
                                                 "for deck A, the second for deck B."),
@@ -42,6 +45,7 @@ CommandLine ParseCommandLine(const QStringList& arguments) {
         cl.text = QStringLiteral("mixora %1\n").arg(QStringLiteral(MIXORA_VERSION));
         return cl;
     }
+    cl.verbose = parser.isSet(verbose);
     for (const QString& f : parser.positionalArguments()) {
         cl.files << QFileInfo(f).absoluteFilePath();
     }

@@ -11,6 +11,8 @@ struct CommandLine {
     // Audio files as absolute paths: the first for deck A, the second for deck B
     // (further ones are ignored with a note).
     QStringList files;
+    // --verbose: the developer traces are shown (core/Trace.h).
+    bool verbose = false;
     // What to print for Help, Version and Error.
     QString text;
 };

@@ -2,9 +2,13 @@
 
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDateTime>
 #include <QKeyEvent>
 #include <QTimer>
+#include <array>
+#include <memory>
 
+#include "app/CMixoraApp.h"
 #include "app/CMixoraDlg.h"
 #include "app/ShellLog.h"
 #include "controls/CNiButton.h"
@@ -16,6 +20,7 @@
 #include "output/mixer/CRynMainMixer.h"
 #include "output/mixer/MixerMeters.h"
 #include "platform/PlatformLayers.h"
+#include "platform/sound/SoundDevice.h"
 
 namespace {
 
@@ -128,6 +133,87 @@ void ArmAutoTest(CMixoraDlg& host) {
             status->start(5000);
         });
         poll->start(20);
+    } else if (script == QLatin1String("device-watch")) {
+        // Deck A plays the command line's file; ten times a second one line
+        // tells what the main device and deck A do. When a lost device comes
+        // back the needle is dropped again. The run ends by a signal.
+        QTimer::singleShot(400, h, [h] { h->MainMixer()->Deck(0)->DropNeedle(); });
+        auto* watch = new QTimer(h);
+        auto returns = std::make_shared<int>(0);
+        QObject::connect(watch, &QTimer::timeout, h, [h, returns] {
+            if (h->ShuttingDown())
+                return;  // the windows are going
+            CRynMainMixer* mixer = h->MainMixer();
+            CRynDeck* deck = mixer->Deck(0);
+            sound::SoundDevice* device = mixer->MainOutput().Device();
+            if (mixer->MainWatch().Returns() != *returns) {
+                *returns = mixer->MainWatch().Returns();
+                if (!deck->NeedleDown())
+                    deck->DropNeedle();
+            }
+            ShellLog(QStringLiteral("watch %1 lost %2 device %3 frames %4 needle %5 elapsed %6 "
+                                    "display %7")
+                         .arg(QDateTime::currentMSecsSinceEpoch())
+                         .arg(mixer->MainWatch().Lost() ? 1 : 0)
+                         .arg(device ? QString::fromStdString(device->Identifier()) : "none")
+                         .arg(device ? device->FramesRendered() : 0)
+                         .arg(deck->DropLiftButton()->Caption())
+                         .arg(deck->ElapsedSeconds(), 0, 'f', 2)
+                         .arg(deck->TrackDisplayText()));
+        });
+        watch->start(100);
+    } else if (script == QLatin1String("change-and-wait")) {
+        // Deck A's time display moves on (a stored setting); then the run
+        // waits for a signal.
+        QTimer::singleShot(200, h, [h] {
+            h->MainMixer()->Deck(0)->NextTimeDisplayMode();
+            ShellLog(QStringLiteral("changed"));
+        });
+    } else if (script == QLatin1String("set-curve")) {
+        // The cross-fader curve moves to 0.5 (a stored setting); then the
+        // user closes the program.
+        QTimer::singleShot(100, h, [h] {
+            h->MainMixer()->Panel().SetCurveParameter(0.5f);
+            h->MainMixer()->close();
+        });
+    } else if (script == QLatin1String("soak")) {
+        // Both decks play their command-line files over and over: a deck
+        // whose track ended takes its file again and its needle drops. Every
+        // ten seconds a "soak" line counts the main device's underruns.
+        const QStringList files = CMixoraApp::CommandLineFiles();
+        // When each deck last took its file again: its needle drops once the
+        // new first fill has primed the output (a second and a half later).
+        auto reloaded = std::make_shared<std::array<qint64, 2>>();
+        auto* loop = new QTimer(h);
+        QObject::connect(loop, &QTimer::timeout, h, [h, files, reloaded] {
+            if (h->ShuttingDown())
+                return;
+            const qint64 now = QDateTime::currentMSecsSinceEpoch();
+            for (int d = 0; d < 2 && d < files.size(); ++d) {
+                CRynDeck* deck = h->MainMixer()->Deck(d);
+                if (deck->TrackEnded()) {
+                    deck->OpenFiles({files[d]});
+                    (*reloaded)[d] = now;
+                } else if (deck->Rotating() && !deck->NeedleDown() && deck->Primed() &&
+                           now - (*reloaded)[d] > 1500) {
+                    deck->DropNeedle();
+                }
+            }
+        });
+        loop->start(250);
+        auto* report = new QTimer(h);
+        QObject::connect(report, &QTimer::timeout, h, [h] {
+            if (h->ShuttingDown())
+                return;
+            sound::SoundDevice* device = h->MainMixer()->MainOutput().Device();
+            ShellLog(QStringLiteral("soak %1 device %2 underruns %3 elapsed %4 %5")
+                         .arg(QDateTime::currentMSecsSinceEpoch())
+                         .arg(device ? QString::fromStdString(device->Identifier()) : "none")
+                         .arg(device ? device->UnderrunCount() : 0)
+                         .arg(h->MainMixer()->Deck(0)->ElapsedSeconds(), 0, 'f', 1)
+                         .arg(h->MainMixer()->Deck(1)->ElapsedSeconds(), 0, 'f', 1));
+        });
+        report->start(10000);
     } else if (script == QLatin1String("play-close")) {
         for (int d = 0; d < 2; ++d) {
             PostAppMessageRetry(h->MainMixer()->Handle(), UWM_START_FORWARD_THREAD,

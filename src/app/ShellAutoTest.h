@@ -2,6 +2,17 @@
 // $MIXORA_AUTOTEST once start-up has finished:
 //   "close-mixer": closes the main mixer (the user's way to quit);
 //   "escape":      presses Esc on the host;
+//   "device-watch": deck A plays its file; ten times a second a "watch" line
+//                  logs the main device, its loss and deck A (for the tests
+//                  that take the sound server away); a returning device gets
+//                  the needle dropped again;
+//   "change-and-wait": deck A's time display mode moves on (a stored
+//                  setting), "changed" is logged, and the run waits;
+//   "set-curve":   the cross-fader curve moves to 0.5, then the main mixer
+//                  closes;
+//   "soak":        both decks play their command-line files over and over
+//                  (bench/soak); a "soak" line every ten seconds counts the
+//                  main device's underruns;
 //   "play-close":  starts both decks' notification threads, lets a simulated
 //                  device signal block boundaries for a while, then closes
 //                  the main mixer while both decks play;

@@ -1,7 +1,8 @@
 #include "core/CRynWindow.h"
 
-#include <QDebug>
 #include <QTimerEvent>
+
+#include "core/Trace.h"
 
 CRynWindow::CRynWindow(const char* className, int templateId, QWidget* parent)
     : QWidget(parent, Qt::Window), className_(className), templateId_(templateId) {
@@ -14,7 +15,7 @@ CRynWindow::~CRynWindow() {
 }
 
 LResult CRynWindow::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
-    qDebug().noquote() << className_ << "ignores" << UwmName(msg) << wParam << lParam;
+    qCDebug(lcTrace).noquote() << className_ << "ignores" << UwmName(msg) << wParam << lParam;
     return 0;
 }
 

@@ -7,9 +7,10 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
+#include "core/Trace.h"
 
 namespace {
 
@@ -18,10 +19,10 @@ std::atomic<bool> g_niceNoted{false};
 
 void NoteOnce(std::atomic<bool>& noted, const char* what, int err) {
     if (!noted.exchange(true)) {
-        std::fprintf(stderr,
-                     "Mixora: %s is not permitted here (%s); threads keep their present "
-                     "priority.\n",
-                     what, std::strerror(err));
+        // The usual case for a desktop user without real-time rights: a
+        // trace, not a complaint.
+        qCInfo(lcTrace, "%s is not permitted here (%s); threads keep their present priority.", what,
+               std::strerror(err));
     }
 }
 

@@ -26,12 +26,15 @@
 
 namespace {
 
+const QColor kDisplayText(120, 230, 140);
+const QColor kNoticeText(255, 70, 60);
+
 QLabel* MakeDisplay(QWidget* parent, int pointSize) {
     auto* label = new QLabel(parent);
     label->setAutoFillBackground(true);
     QPalette p = label->palette();
     p.setColor(QPalette::Window, QColor(12, 16, 20));
-    p.setColor(QPalette::WindowText, QColor(120, 230, 140));
+    p.setColor(QPalette::WindowText, kDisplayText);
     label->setPalette(p);
     QFont f = label->font();
     f.setPointSize(pointSize);
@@ -49,11 +52,16 @@ CNiButton* MakeCommand(QWidget* parent, const QString& caption) {
     return b;
 }
 
-CNiButton* MakeLed(QWidget* parent, const QString& caption) {
+// A tool tip of a title and its description.
+QString TitledTip(const QString& title, const QString& text) {
+    return QStringLiteral("<b>%1</b><br>%2").arg(title.toHtmlEscaped(), text.toHtmlEscaped());
+}
+
+CNiButton* MakeLed(QWidget* parent, const QString& tip) {
     auto* b = new CNiButton(parent);
     b->SetStyle(CNiButton::kRoundLamp);
     b->SetColors(QColor(200, 200, 20), QColor(50, 50, 40));
-    b->setToolTip(caption);
+    b->setToolTip(tip);
     b->setFixedSize(16, 16);
     return b;
 }
@@ -185,7 +193,7 @@ void CRynDeck::BuildControls() {
     grid->setContentsMargins(6, 6, 6, 6);
 
     trackName_ = MakeDisplay(this, 10);
-    trackName_->setText(QString::fromLatin1(DeckSource::kNoFile));
+    SetTrackName(QString::fromLatin1(DeckSource::kNoFile));
     trackName_->setToolTip(QStringLiteral("Current Track Name Display"));
     trackNumber_ = MakeDisplay(this, 10);
     trackNumber_->setText(QStringLiteral("0/0"));
@@ -229,6 +237,9 @@ void CRynDeck::BuildControls() {
     grid->addWidget(modeButton_, 4, 3);
     errorCorrection_ = new CNiButton(QString(), QString(), this);
     errorCorrection_->setEnabled(false);
+    errorCorrection_->setToolTip(
+        TitledTip(QStringLiteral("CD Error Correction:"),
+                  QStringLiteral("Turn On Error Correction (Seek Correction) for CD Rom drive.")));
     grid->addWidget(errorCorrection_, 4, 4, 1, 2);
 
     drives_ = new QComboBox(this);
@@ -236,9 +247,18 @@ void CRynDeck::BuildControls() {
     drives_->setEnabled(false);
     grid->addWidget(drives_, 5, 0, 1, 4);
 
-    freshDataLed_ = MakeLed(this, QStringLiteral("Fresh Data Low"));
-    discLowLed_ = MakeLed(this, QStringLiteral("Disc Buffer Low"));
-    readErrorLed_ = MakeLed(this, QStringLiteral("Disc Read Error"));
+    freshDataLed_ = MakeLed(
+        this, TitledTip(QStringLiteral("Fresh Data Is Low Warning LED:"),
+                        QStringLiteral("Lights up when the disc buffer is low and its priority "
+                                       "has been increased.")));
+    discLowLed_ = MakeLed(
+        this, TitledTip(QStringLiteral("Disc buffer is low warning LED"),
+                        QStringLiteral("This LED will light up when the disc buffer is low and "
+                                       "has been prioritized.")));
+    readErrorLed_ = MakeLed(
+        this,
+        TitledTip(QStringLiteral("Disc Read Error LED:"),
+                  QStringLiteral("This LED will light up when a disc read error has occured.")));
     readErrorLed_->SetColors(QColor(220, 30, 30), QColor(50, 40, 40));
     auto* leds = new QHBoxLayout;
     leds->addWidget(freshDataLed_);
@@ -351,10 +371,24 @@ void CRynDeck::SetTransportEnabled(bool on) {
 }
 
 void CRynDeck::SetTrackName(const QString& text) {
-    trackName_->setText(text);
+    trackNameText_ = text;
+    if (deviceNotice_.isEmpty())
+        trackName_->setText(text);
+}
+
+void CRynDeck::SetDeviceNotice(const QString& notice) {
+    deviceNotice_ = notice;
+    QPalette p = trackName_->palette();
+    p.setColor(QPalette::WindowText, notice.isEmpty() ? kDisplayText : kNoticeText);
+    trackName_->setPalette(p);
+    trackName_->setText(notice.isEmpty() ? trackNameText_ : notice);
 }
 
 QString CRynDeck::TrackNameText() const {
+    return trackNameText_;
+}
+
+QString CRynDeck::TrackDisplayText() const {
     return trackName_->text();
 }
 

@@ -162,8 +162,16 @@ class CRynDeck : public CRynWindow {
     // --- Tempo ---
     void ApplyTempo();
 
+    // A notice shown in the track name display instead of the name (in red)
+    // while it is not empty: the sound device was lost. The track name
+    // itself is kept and comes back when the notice is cleared.
+    void SetDeviceNotice(const QString& notice);
+    QString DeviceNotice() const { return deviceNotice_; }
+
     // --- What the user sees (tests read these) ---
+    // The track's name (also while a notice covers it); the display's text.
     QString TrackNameText() const;
+    QString TrackDisplayText() const;
     QString TrackNumberText() const;
     QString TimeText() const;
     QString TimeModeCaption() const;
@@ -247,6 +255,8 @@ class CRynDeck : public CRynWindow {
     std::unique_ptr<DeckTransport> transport_;
 
     // Window state.
+    QString trackNameText_;
+    QString deviceNotice_;
     bool progressFollowsPlay_ = true;
     bool trackEnded_ = false;
     int savedDriveItem_ = 0;

@@ -87,6 +87,13 @@ void CRynDeck::RefreshTrackNumber() {
 LResult CRynDeck::OnEndOfTrack() {
     if (transport_->EndOfTrackPending())
         return 0;
+    // A file that ended before the length its header announced: the list
+    // takes the real length, so time and progress follow what is heard.
+    if (source_->Mode() == DeckSource::kFileMode && decoder_->IsOpen()) {
+        const auto real = static_cast<float>(decoder_->DurationSeconds());
+        if (real > 0.0f && real < List().CurrentDuration())
+            List().SetCurrentDuration(real);
+    }
     const bool joined = source_->OpenNextForJoin();
     // The transport counts down what is still to be heard of this track.
     transport_->BeginEndOfTrack();
@@ -190,11 +197,15 @@ void CRynDeck::OpenFiles(const QStringList& files) {
 
 void CRynDeck::RefreshDriveList() {
     const int selected = source_->Drive();
+    // The drive the other deck holds is not offered.
+    const int taken = Engine().decks[1 - deck_].cdDrive.load();
     drives_->clear();
-    drives_->addItem(QStringLiteral("No CD Drive"), -1);
+    drives_->addItem(QStringLiteral("No CD Drive Selected"), -1);
     if (cd_) {
-        for (int i = 0; i < cd_->DriveCount(); ++i)
-            drives_->addItem(QString::fromStdString(cd_->DriveName(i)), i);
+        for (int i = 0; i < cd_->DriveCount(); ++i) {
+            if (i != taken)
+                drives_->addItem(QString::fromStdString(cd_->DriveName(i)), i);
+        }
     }
     const int item = drives_->findData(selected);
     drives_->setCurrentIndex(item >= 0 ? item : kNoDriveItem);

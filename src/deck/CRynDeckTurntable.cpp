@@ -148,7 +148,10 @@ void CRynDeck::Reposition(double fraction) {
 
 void CRynDeck::RedropTick() {
     ++redropCount_;
-    if (dropLift_->isEnabled() && Rotating() && dropLift_->Caption() == QLatin1String("drop")) {
+    // Only once the output is primed again: a needle dropped before the new
+    // first fill would start buffers that the fill then rebuilds.
+    if (dropLift_->isEnabled() && Rotating() && dropLift_->Caption() == QLatin1String("drop") &&
+        transport_->Primed()) {
         KillWindowTimer(kRedropTimer);
         DropNeedle();
         return;

@@ -1,6 +1,6 @@
 #include "platform/PlatformLayers.h"
 
-#include <portaudio.h>
+#include "platform/sound/SoundSystem.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -15,13 +15,16 @@ class SystemPlatformLayers : public PlatformLayers {
     bool InitialiseSound(QString* problem) override {
         if (soundUp_)
             return true;
-        const PaError err = Pa_Initialize();
-        if (err != paNoError) {
+        // Through the sound layer, which silences ALSA's complaints about
+        // missing cards and can start PortAudio afresh to find a returning
+        // device (it holds the only PortAudio reference).
+        std::string reason;
+        if (sound::InitializeAudioLibrary(&reason) != kStatusOk) {
             if (problem) {
                 *problem = QStringLiteral(
                                "the PortAudio sound library (libportaudio2) could "
                                "not start: %1")
-                               .arg(QString::fromUtf8(Pa_GetErrorText(err)));
+                               .arg(QString::fromStdString(reason));
             }
             return false;
         }
@@ -32,7 +35,7 @@ class SystemPlatformLayers : public PlatformLayers {
     void ReleaseSound() override {
         if (!soundUp_)
             return;
-        Pa_Terminate();
+        sound::ShutdownAudioLibrary();
         soundUp_ = false;
     }
 

@@ -31,6 +31,7 @@ bool CRynFileDecoder::Open(const std::string& fileName) {
     Close();
     SetBytePosition(0);
     streamFrame_ = 0;
+    endedAt100ns_ = 0;
     if (fileName.empty())
         return false;
     // Only regular files: a pipe or device could block the open for good.
@@ -72,6 +73,7 @@ std::int32_t CRynFileDecoder::ReadBlock(std::uint8_t* destination, int& bytesDel
     endOfStream = filled < kBlockFrames;
     if (!endOfStream)
         return kOk;
+    NoteStreamEnd();
     std::memset(destination + filled * 4, 0, std::size_t(kBlockBytes - filled * 4));
 
     // The track has ended inside this block: ask the deck for the next one
@@ -145,7 +147,7 @@ void CRynFileDecoder::SeekFraction(float fraction) {
         fraction = 0.0f;  // also NaN
     if (fraction > 1.0f)
         fraction = 1.0f;
-    const std::int64_t duration = source_->Duration100ns();
+    const std::int64_t duration = Duration100ns();
     const auto target100ns = static_cast<std::int64_t>(double(duration) * fraction);
     streamFrame_ =
         static_cast<std::int64_t>(static_cast<__int128>(target100ns) * sampleRate_ / 10000000);
@@ -153,8 +155,24 @@ void CRynFileDecoder::SeekFraction(float fraction) {
     SetBytePosition(static_cast<std::int64_t>(double(totalBytes_) * double(fraction)));
 }
 
+std::int64_t CRynFileDecoder::Duration100ns() const {
+    const std::int64_t announced = source_->Duration100ns();
+    const std::int64_t ended = endedAt100ns_.load();
+    return ended > 0 && ended < announced ? ended : announced;
+}
+
+void CRynFileDecoder::NoteStreamEnd() {
+    const std::int64_t end = static_cast<std::int64_t>(static_cast<__int128>(streamFrame_.load()) *
+                                                       10000000 / std::max(sampleRate_, 1));
+    if (end <= 0 || end >= source_->Duration100ns())
+        return;
+    endedAt100ns_ = end;
+    // The whole-second total follows the real length.
+    totalBytes_ = static_cast<std::int64_t>(std::trunc(double(end) * 1e-7)) * kBytesPerSecond;
+}
+
 double CRynFileDecoder::DurationSeconds() const {
-    return open_ ? double(source_->Duration100ns()) * 1e-7 : 0.0;
+    return open_ ? double(Duration100ns()) * 1e-7 : 0.0;
 }
 
 double CRynFileDecoder::ElapsedSeconds() const {

@@ -88,8 +88,11 @@ class CRynFileDecoder {
     // trunc(total bytes x fraction) (whole-second total).
     void SeekFraction(float fraction);
 
-    double DurationSeconds() const;  // 0 when nothing is open
-    double ElapsedSeconds() const;   // byte position / 176400; 0 when nothing is open
+    // The file's length: what its header announces until the stream ends,
+    // then, if it ended earlier (a truncated VBR MP3 whose header promises
+    // more), where it really ended. 0 when nothing is open.
+    double DurationSeconds() const;
+    double ElapsedSeconds() const;  // byte position / 176400; 0 when nothing is open
     int SampleRate() const { return sampleRate_; }      // Hz; 44100 before any file
     std::string FileName() const { return fileName_; }  // last name given to Open
     // The last opened name lies on an optical or removable drive (decided
@@ -139,6 +142,13 @@ class CRynFileDecoder {
     std::atomic<std::int64_t> anchorBytes_{0};
     std::atomic<std::int64_t> framesSinceAnchor_{0};
     std::atomic<std::int64_t> streamFrame_{0};
+    // Where the stream really ended, 100 ns units; 0 until it ended early.
+    // Written by the reader thread, read by the deck window.
+    std::atomic<std::int64_t> endedAt100ns_{0};
+
+    std::int64_t Duration100ns() const;
+    // At the end of the stream: a length shorter than announced is kept.
+    void NoteStreamEnd();
 
     std::unique_ptr<media::MediaSource> source_;
     bool open_ = false;

@@ -4,20 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "TestSupport.h"
+#include "app/MixoraChild.h"
 
-#include <QDateTime>
-#include <QFile>
 #include <QFileInfo>
-#include <QProcessEnvironment>
-#include <QTemporaryDir>
 
-#include <sys/wait.h>
-#include <unistd.h>
-
-#include <cerrno>
 #include <csignal>
 #include <functional>
-#include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -30,76 +24,23 @@ struct Outcome {
     QString output;
 };
 
-// Runs the program with fork and exec (not QProcess: Qt starts children with
-// a raw clone that ThreadSanitizer cannot follow, which scrambles its records
-// of this process in sanitizer builds). Output and errors are collected.
-// `whileRunning`, when given, is called with the child's id and its log path
-// once it has started (it may kill the child).
+// Runs the program to its end (a child process with its own folders) and
+// collects its shell log and its output and errors together. `whileRunning`,
+// when given, is called with the child once it has started (it may kill it).
 Outcome RunMixora(const QStringList& args, const QStringList& env,
-                  const std::function<void(pid_t, const QString&)>& whileRunning = nullptr) {
-    QTemporaryDir dir;
-    const QString logPath = dir.path() + "/shell.log";
-    QProcessEnvironment e = QProcessEnvironment::systemEnvironment();
-    e.insert("QT_QPA_PLATFORM", "offscreen");
-    e.insert("MIXORA_SHELL_LOG", logPath);
-    e.insert("MIXORA_SHUTDOWN_PAUSE_MS", "10");
-    e.insert("MIXORA_CONFIG_DIR", dir.path() + "/config");
-    e.insert("MIXORA_DATA_DIR", dir.path() + "/data");
-    e.insert("MIXORA_SOUND_DEVICE", "null");
-    for (const QString& kv : env)
-        e.insert(kv.section('=', 0, 0), kv.section('=', 1));
-
-    std::vector<QByteArray> argStore{kProgram.toLocal8Bit()};
-    for (const QString& a : args)
-        argStore.push_back(a.toLocal8Bit());
-    std::vector<QByteArray> envStore;
-    for (const QString& kv : e.toStringList())
-        envStore.push_back(kv.toLocal8Bit());
-    std::vector<char*> argv, envp;
-    for (auto& a : argStore)
-        argv.push_back(a.data());
-    for (auto& v : envStore)
-        envp.push_back(v.data());
-    argv.push_back(nullptr);
-    envp.push_back(nullptr);
-
+                  const std::function<void(testsupport::MixoraChild&)>& whileRunning = nullptr) {
     Outcome o;
-    int out[2];
-    if (pipe(out) != 0)
+    testsupport::MixoraChild child;
+    if (!child.Start(args, env))
         return o;
-    const pid_t pid = fork();
-    if (pid == 0) {
-        dup2(out[1], 1);
-        dup2(out[1], 2);
-        close(out[0]);
-        close(out[1]);
-        execve(argv[0], argv.data(), envp.data());
-        _exit(127);
-    }
-    close(out[1]);
-    if (whileRunning && pid > 0)
-        whileRunning(pid, logPath);
-    QByteArray output;
-    char buffer[4096];
-    for (;;) {
-        const ssize_t n = read(out[0], buffer, sizeof buffer);
-        if (n > 0) {
-            output.append(buffer, n);
-        } else if (n == 0 || errno != EINTR) {
-            break;
-        }
-    }
-    close(out[0]);
-    int status = 0;
-    if (pid < 0 || waitpid(pid, &status, 0) != pid)
+    if (whileRunning)
+        whileRunning(child);
+    if (!child.Wait(120000))
         return o;
-    o.normalExit = WIFEXITED(status);
-    o.exitCode = o.normalExit ? WEXITSTATUS(status) : -1;
-    o.output = QString::fromUtf8(output);
-    QFile f(logPath);
-    if (f.open(QIODevice::ReadOnly)) {
-        o.log = QString::fromUtf8(f.readAll()).split('\n', Qt::SkipEmptyParts);
-    }
+    o.normalExit = child.NormalExit();
+    o.exitCode = child.ExitCode();
+    o.output = QString::fromUtf8(child.Stdout() + child.Stderr());
+    o.log = child.Log();
     return o;
 }
 
@@ -294,18 +235,11 @@ TEST(ShellProcess, AKillDuringTheShutdownSaveLeavesTheDefaultListWhole) {
         // The file on the command line joins the list: the save writes kEntries + 1.
         const Outcome o =
             RunMixora({tone}, {"MIXORA_AUTOTEST=close-mixer", "MIXORA_DATA_DIR=" + data.path()},
-                      [&](pid_t pid, const QString& logPath) {
-                          for (int i = 0; i < 3000; ++i) {
-                              QFile log(logPath);
-                              if (log.open(QIODevice::ReadOnly) &&
-                                  log.readAll().contains("shutdown lamp 2")) {
-                                  ++killedInShutdown;
-                                  break;
-                              }
-                              usleep(2000);
-                          }
+                      [&](testsupport::MixoraChild& child) {
+                          if (!child.WaitForLine("shutdown lamp 2", 6000).isEmpty())
+                              ++killedInShutdown;
                           usleep(static_cast<useconds_t>(kDelaysMs[round] * 1000));
-                          kill(pid, SIGKILL);
+                          child.Signal(SIGKILL);
                       });
         (void)o;  // killed, or (late rounds on a fast machine) ended by itself
         QFile in(list);

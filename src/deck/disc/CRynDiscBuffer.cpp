@@ -111,13 +111,13 @@ bool CRynDiscBuffer::NoteForwardCursors(int playCursorBytes, int writeCursorByte
         // Disc buffer low: the reader goes time-critical while the deck plays.
         if (leds_.discBufferLow && !stats_.Low()) {
             RequestPriority(ReaderPriority::BelowNormal);
-            PostAppMessageRetry(Engine().mainDialogWindow, UWM_GRAPHS_PRIORITY, deck_, 0);
+            PostAppMessageRetry(Engine().mainMixerWindow, UWM_GRAPHS_PRIORITY, deck_, 0);
             leds_.discBufferLow = false;
             changed = true;
         } else if (!leds_.discBufferLow && stats_.Low() && shared_.isPlaying.load() != 0) {
             if (forwardAlive_) {
                 RequestPriority(ReaderPriority::TimeCritical);
-                PostAppMessageRetry(Engine().mainDialogWindow, UWM_GRAPHS_PRIORITY, deck_, 1);
+                PostAppMessageRetry(Engine().mainMixerWindow, UWM_GRAPHS_PRIORITY, deck_, 1);
                 leds_.discBufferLow = true;
                 changed = true;
             }
@@ -166,9 +166,13 @@ void CRynDiscBuffer::NotifyLeds() {
 
 void CRynDiscBuffer::LowerReaderPriority() {
     RequestPriority(ReaderPriority::BelowNormal);
-    PostAppMessageRetry(Engine().mainDialogWindow, UWM_GRAPHS_PRIORITY, deck_, 0);
-    if (leds_.discBufferLow) {
+    PostAppMessageRetry(Engine().mainMixerWindow, UWM_GRAPHS_PRIORITY, deck_, 0);
+    shared_.freshDataLow.store(0);
+    shared_.discBufferVeryLow.store(0);
+    if (leds_.discBufferLow || leds_.freshDataLow || leds_.discBufferVeryLow) {
         leds_.discBufferLow = false;
+        leds_.freshDataLow = false;
+        leds_.discBufferVeryLow = false;
         NotifyLeds();
     }
 }

@@ -114,7 +114,9 @@ class CRynDiscBuffer {
     bool ForwardReaderExists() const { return forwardAlive_; }
     bool ReaderSuspended() const { return suspended_; }
     ReaderPriority ForwardReaderPriority() const { return priority_.load(); }
-    // Lowers the reader to below normal and tells the host (needle lifted).
+    // The needle was lifted: lowers the reader to below normal, tells the
+    // host, and puts out the fresh-data-low and buffer-low LEDs (their flags
+    // cleared) until the next needle drop measures again.
     void LowerReaderPriority();
     const Leds& GetLeds() const { return leds_; }
     void SetReadErrorLed(bool on);

@@ -29,6 +29,8 @@ int DeckTransport::Rate() const {
 
 void DeckTransport::StartReading() {
     lastPlayCursor_ = -1;
+    // The reader's first fill primes the output again.
+    primed_ = false;
     disc_->StartForwardReader();
 }
 

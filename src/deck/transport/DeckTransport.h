@@ -93,7 +93,8 @@ class DeckTransport : public MixerDeck {
     bool EndOfTrackPending() const { return endOfTrackPending_; }
     int BlocksUntilTrackEnd() const { return blocksUntilTrackEnd_; }
 
-    // The host has primed the deck's output after a first fill.
+    // The host has primed the deck's output after the first fill of the
+    // reader's present run (cleared when the reader starts).
     bool Primed() const { return primed_; }
 
     // --- MixerDeck

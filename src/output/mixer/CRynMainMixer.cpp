@@ -2,12 +2,14 @@
 
 #include <QCloseEvent>
 #include <QDebug>
+#include <QLabel>
 #include <QScreen>
 #include <QThread>
 #include <QVBoxLayout>
 
 #include "controls/CNiButton.h"
 #include "core/EngineState.h"
+#include "core/Trace.h"
 #include "core/WorkerThread.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
@@ -29,12 +31,37 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     : CRynWindow("CRynMainMixer", kTemplateId, parent), notify_(Engine()) {
     setWindowTitle(QStringLiteral("Mixora"));
     panel_ = new MainMixerPanel(&mainOutput_, &Settings(), this);
+    deviceNotice_ = new QLabel(this);
+    deviceNotice_->setObjectName(QStringLiteral("Main Mixer Device Notice"));
+    deviceNotice_->setWordWrap(true);
+    deviceNotice_->setStyleSheet(
+        QStringLiteral("QLabel { background: rgb(90, 10, 10); color: rgb(255, 220, 200); "
+                       "padding: 3px; }"));
+    deviceNotice_->hide();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(deviceNotice_);
     layout->addWidget(panel_);
     meters_ = new MixerMeters(this);
     layout->addWidget(meters_);
-    resize(340, 400);
+    resize(340, 420);
+
+    mainWatch_.onLost = [this](const std::string& description) { OnMainDeviceLost(description); };
+    mainWatch_.onBack = [this](const std::string&) { OnMainDeviceBack(); };
+    mainWatch_.onBuffersRebuilt = [this](int deck) {
+        // New buffers carry no settings: effects, gains, tempo and pans again.
+        ApplyDeckEffects(deck);
+        panel_->ApplyCrossFader();
+        if (decks_[deck])
+            decks_[deck]->ApplyTempo();
+        if (onBuffersCreated)
+            onBuffersCreated(deck);
+    };
+    clock_.start();
+    watchTimer_.setInterval(OutputDeviceWatch::kCheckMs);
+    connect(&watchTimer_, &QTimer::timeout, this,
+            [this] { mainWatch_.Check(static_cast<double>(clock_.elapsed())); });
 }
 
 CRynMainMixer::~CRynMainMixer() {
@@ -122,6 +149,10 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
     }
     if (identifier.empty()) {
         // The disabled choice: no device, the master controls at rest.
+        mainWatch_.Watch(std::string());
+        watchTimer_.stop();
+        if (!deviceNotice_->isHidden())
+            OnMainDeviceBack();
         mainOutput_.ReleaseAll();
         mainOutput_.CloseDevice();
         panel_->SetBalance(0.0f);
@@ -131,11 +162,18 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
         return;
     }
     panel_->SetMasterEnabled(true);
+    qCDebug(lcTrace, "CRynMainMixer opens the main device %s", identifier.c_str());
     if (mainOutput_.OpenDevice(identifier, identifier, Handle(), false) != 0) {
         qWarning("Mixora: the sound device %s could not be opened; playing silently.",
                  identifier.c_str());
         mainOutput_.OpenDevice(sound::kNullDeviceId, sound::kNullDeviceId, Handle(), false);
+        mainWatch_.Watch(std::string());
+    } else {
+        mainWatch_.Watch(identifier);
     }
+    if (!deviceNotice_->isHidden())
+        OnMainDeviceBack();  // a new choice ends a loss
+    watchTimer_.start();
     // The volume slide shows the device's master level; balance to the centre.
     panel_->SetVolume(static_cast<float>(
         (mainOutput_.MasterLeftPercent() + mainOutput_.MasterRightPercent()) * 0.005));
@@ -220,7 +258,13 @@ void CRynMainMixer::ChangeLatency(int deck, WriteAheadTarget::Override which, bo
 LResult CRynMainMixer::AssignDrive(int deck, int drive) {
     if (drive >= 0 && drives_[1 - deck] == drive)
         return 0;  // the other deck holds it
+    const bool changed = drives_[deck] != drive;
     drives_[deck] = drive;
+    // Both decks' choosers follow: a drive one deck takes leaves the other's.
+    if (changed) {
+        for (int d = 0; d < 2; ++d)
+            PostAppMessageRetry(Handle(), UWM_REFRESH_CD_DRIVES, static_cast<WParam>(d), 0);
+    }
     return 1;
 }
 
@@ -235,6 +279,7 @@ void CRynMainMixer::SetMixStepSink(MixStepSink* sink) {
 void CRynMainMixer::KillTimers() {
     for (int id = 1; id <= kTimerCount; ++id)
         KillWindowTimer(id);
+    watchTimer_.stop();
     panel_->SetAutoPan(false);
     panel_->StopTimers();
 }
@@ -331,6 +376,39 @@ void CRynMainMixer::StopReverse(int deck) {
     sink_->PlayReverse(deck, false);
 }
 
+QString CRynMainMixer::DeviceNoticeText() const {
+    return deviceNotice_->isHidden() ? QString() : deviceNotice_->text();
+}
+
+void CRynMainMixer::OnMainDeviceLost(const std::string& description) {
+    const QString name = QString::fromStdString(description);
+    for (CRynDeck* deck : decks_) {
+        if (!deck)
+            continue;
+        // Stopped as if the needle were lifted; lists and settings stay.
+        if (deck->NeedleDown())
+            deck->LiftNeedle();
+        deck->SetDeviceNotice(QStringLiteral("Sound device lost: %1").arg(name));
+    }
+    deviceNotice_->setText(QStringLiteral("Main sound device lost: %1. Playing silently until it "
+                                          "returns; Mixora reopens it then.")
+                               .arg(name));
+    deviceNotice_->show();
+}
+
+void CRynMainMixer::OnMainDeviceBack() {
+    for (CRynDeck* deck : decks_) {
+        if (!deck)
+            continue;
+        // Whatever played on the Null device meanwhile stops: drop the needle again.
+        if (deck->NeedleDown())
+            deck->LiftNeedle();
+        deck->SetDeviceNotice(QString());
+    }
+    deviceNotice_->clear();
+    deviceNotice_->hide();
+}
+
 void CRynMainMixer::OnTick() {
     overloadLampOn_ = !overloadLampOn_;
     OnOverloadLampChanged();
@@ -362,6 +440,8 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
         case UWM_DECK_INFO_UPDATE:
         case UWM_EQ_NUMBER_TYPE:
         case UWM_EQ_TYPE:
+        case UWM_RELEASE_DECK:
+        case UWM_REFRESH_CD_DRIVES:
             return ValidDeck(wParam) ? OnDeckMessage(msg, static_cast<int>(wParam), lParam) : 0;
         case UWM_APPLY_EFFECT:
         case UWM_APPLY_EFFECT_PARAMETER:
@@ -506,6 +586,16 @@ LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
             break;
         case UWM_ASSIGN_CD_DRIVE:
             return AssignDrive(deck, value);
+        case UWM_RELEASE_DECK:
+            mainOutput_.ReleaseDeck(deck);
+            if (CRynAudioOutput* phones = cycle_.Headphones())
+                phones->ReleaseDeck(deck);
+            break;
+        case UWM_REFRESH_CD_DRIVES:
+            // Only a deck in CD mode has a drive chooser to fill.
+            if (decks_[deck] && decks_[deck]->Source().Mode() == DeckSource::kCdMode)
+                decks_[deck]->RefreshDriveList();
+            break;
         case UWM_DECK_INFO_UPDATE:
             if (decks_[deck] && decks_[deck]->Info())
                 decks_[deck]->Info()->Refresh();

@@ -11,6 +11,8 @@
 // the program: it sends UWM_SHUTDOWN to the host.
 #pragma once
 
+#include <QElapsedTimer>
+#include <QTimer>
 #include <array>
 #include <functional>
 #include <string>
@@ -21,6 +23,7 @@
 #include "output/engine/MixCycle.h"
 #include "output/engine/MixStepSink.h"
 #include "output/engine/NotifyThreads.h"
+#include "output/engine/OutputDeviceWatch.h"
 #include "output/engine/WriteAheadTarget.h"
 #include "output/laws/CpuLoad.h"
 #include "output/mixer/MainMixerPanel.h"
@@ -29,6 +32,7 @@ class CRynDeck;
 class CRynHeadphonesMixer;
 class CRyn3DGraph;
 class MixerMeters;
+class QLabel;
 
 class CRynMainMixer : public CRynWindow {
     Q_OBJECT
@@ -67,6 +71,13 @@ class CRynMainMixer : public CRynWindow {
     // Opens the main device: `identifier` as sound::OpenDevice knows it, ""
     // for the disabled choice. The decks that rotate are stopped first.
     void ChooseMainDevice(const std::string& identifier);
+    // The main device's watch: a lost device stops the decks (needles
+    // lifted), shows itself in the decks' track displays and on the mixer,
+    // and the output plays on the Null device until the chosen device is
+    // listed again and reopened.
+    OutputDeviceWatch& MainWatch() { return mainWatch_; }
+    // The mixer's notice line ("" while the main device plays).
+    QString DeviceNoticeText() const;
     // The device chosen at start-up: MIXORA_SOUND_DEVICE, else the stored
     // choice, else the system's default output, else the Null device.
     static std::string StartupDeviceIdentifier();
@@ -163,6 +174,8 @@ class CRynMainMixer : public CRynWindow {
     void ShowTitleBars(bool on);
     void ShowOptionsWindow(bool show);
     void InitialiseMeters();
+    void OnMainDeviceLost(const std::string& description);
+    void OnMainDeviceBack();
     static bool ValidDeck(WParam deck) { return deck < 2; }
 
     WindowHandle host_ = 0;
@@ -189,4 +202,8 @@ class CRynMainMixer : public CRynWindow {
     std::array<int, 2> lastDrawn_{-1, -1};
     std::array<int, 2> meterDraws_{};
     std::pair<int, int> exclusiveGraph_{0, 0};
+    OutputDeviceWatch mainWatch_{mainOutput_};
+    QTimer watchTimer_;
+    QElapsedTimer clock_;
+    QLabel* deviceNotice_ = nullptr;
 };

@@ -39,6 +39,11 @@ class PortAudioBackend : public SoundBackend {
             return kStatusFail;
         }
         g_openStreams.fetch_add(1);
+        // A stream that ends without our Stop (its device or server went
+        // away) reports itself here.
+        Pa_SetStreamFinishedCallback(stream_, &PortAudioBackend::Finished);
+        stopping_.store(false);
+        failed_.store(false);
         err = Pa_StartStream(stream_);
         if (err != paNoError) {
             CloseStream();
@@ -51,11 +56,20 @@ class PortAudioBackend : public SoundBackend {
         AssertNotAudioThread("PortAudioBackend::Stop");
         if (stream_ == nullptr)
             return;
+        stopping_.store(true);
         Pa_StopStream(stream_);
         CloseStream();
     }
 
+    bool Failed() const override { return failed_.load(std::memory_order_relaxed); }
+
   private:
+    static void Finished(void* user) {
+        auto* self = static_cast<PortAudioBackend*>(user);
+        if (!self->stopping_.load())
+            self->failed_.store(true);
+    }
+
     void CloseStream() {
         Pa_CloseStream(stream_);
         stream_ = nullptr;
@@ -89,6 +103,8 @@ class PortAudioBackend : public SoundBackend {
     PaStream* stream_ = nullptr;
     SoundMixer* mixer_ = nullptr;
     std::atomic<std::uint64_t>* underruns_ = nullptr;
+    std::atomic<bool> stopping_{false};
+    std::atomic<bool> failed_{false};
     double lastTime_ = 0.0;  // callback thread only
     unsigned long lastFrames_ = 0;
 };

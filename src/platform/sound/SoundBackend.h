@@ -22,6 +22,9 @@ class SoundBackend {
     virtual SoundStatus Start(SoundMixer* mixer, std::atomic<std::uint64_t>* underruns) = 0;
     // Stops pulling; when it returns, Mix is no longer running or called.
     virtual void Stop() = 0;
+    // True once the stream has ended or failed by itself (not by Stop): the
+    // device is gone. Read by the device's service thread.
+    virtual bool Failed() const { return false; }
 };
 
 // The Null device's clock: a thread that takes `periodFrames` frames every

@@ -76,9 +76,24 @@ SoundStatus SoundDevice::Start() {
 }
 
 void SoundDevice::ServiceLoop() {
+    // The watchdog: the mixer's frame count must move while the backend runs.
+    using Clock = std::chrono::steady_clock;
+    const auto lostAfter = std::chrono::milliseconds(kLostAfterMs);
+    std::uint64_t lastFrames = mixer_->FramesRendered();
+    auto lastMove = Clock::now();
     while (serviceRun_.load(std::memory_order_relaxed)) {
         std::this_thread::sleep_for(kServicePeriod);
         mixer_->DispatchNotifications();
+        const std::uint64_t frames = mixer_->FramesRendered();
+        const auto now = Clock::now();
+        if (frames != lastFrames) {
+            lastFrames = frames;
+            lastMove = now;
+        } else if (now - lastMove > lostAfter) {
+            lost_.store(true, std::memory_order_relaxed);
+        }
+        if (backend_->Failed())
+            lost_.store(true, std::memory_order_relaxed);
     }
 }
 

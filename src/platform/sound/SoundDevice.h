@@ -59,6 +59,14 @@ class SoundDevice {
     // main mixer's main volume and balance).
     void SetMasterGain(int leftPercent, int rightPercent);
 
+    // The device stopped taking audio: its stream ended or failed by itself,
+    // or it has not asked for a frame for kLostAfterMs (the sound server
+    // went away, the card was unplugged). Set by the service thread and
+    // never cleared: a lost device is closed and opened again. A
+    // manual-clock device is never lost.
+    static constexpr int kLostAfterMs = 500;
+    bool Lost() const { return lost_.load(std::memory_order_relaxed); }
+
     // Late callbacks and output underflows reported by the backend.
     std::uint64_t UnderrunCount() const { return underruns_.load(std::memory_order_relaxed); }
     std::uint64_t FramesRendered() const;
@@ -80,6 +88,7 @@ class SoundDevice {
     std::unique_ptr<SoundListener3D> listener_;
     std::atomic<std::uint64_t> underruns_{0};
     std::atomic<bool> serviceRun_{false};
+    std::atomic<bool> lost_{false};
     std::thread service_;
     bool started_ = false;
 };

@@ -6,10 +6,13 @@
 #include <unistd.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <map>
 #include <mutex>
+#include <optional>
 
 #include "core/ThreadRole.h"
+#include "platform/sound/JackBackend.h"
 #include "platform/sound/PortAudioBackend.h"
 
 namespace sound {
@@ -18,6 +21,13 @@ namespace {
 
 std::mutex g_mutex;
 bool g_initialised = false;
+// PortAudio's JACK host API came up after all (it is kept away from the
+// server, see InitLocked): PortAudio then holds a JACK client of its own,
+// and terminating it after that server has gone aborts the process (its
+// clean-up asserts on the dead client), so it is never terminated then.
+// JACK devices are listed and played by Mixora's own client (JackBackend.h),
+// which needs no restart of the library to find a server that came back.
+bool g_paHoldsJack = false;
 
 // ALSA's error handler type (alsa/error.h); libasound is reached through
 // PortAudio, so its handler is looked up at run time.
@@ -58,19 +68,35 @@ auto WithQuietStderr(F f) {
     return result;
 }
 
-SoundStatus InitLocked() {
+SoundStatus InitLocked(std::string* problem = nullptr) {
     if (g_initialised)
         return kStatusOk;
     SilenceAlsa();
+    // PortAudio's JACK host API is kept from connecting (it is pointed at a
+    // server that does not exist): JACK devices are Mixora's own client,
+    // and PortAudio's idle client would only add a late member to the JACK
+    // graph and a clean-up that aborts once its server has gone.
+    const char* server = std::getenv("JACK_DEFAULT_SERVER");
+    const std::optional<std::string> saved =
+        server ? std::optional<std::string>(server) : std::nullopt;
+    setenv("JACK_DEFAULT_SERVER", "mixora-portaudio-without-jack", 1);
     const PaError err = WithQuietStderr([] { return Pa_Initialize(); });
-    if (err != paNoError)
+    if (saved)
+        setenv("JACK_DEFAULT_SERVER", saved->c_str(), 1);
+    else
+        unsetenv("JACK_DEFAULT_SERVER");
+    if (err != paNoError) {
+        if (problem)
+            *problem = Pa_GetErrorText(err);
         return kStatusFail;
+    }
+    g_paHoldsJack = g_paHoldsJack || Pa_HostApiTypeIdToHostApiIndex(paJACK) >= 0;
     g_initialised = true;
     return kStatusOk;
 }
 
 void TerminateLocked() {
-    if (!g_initialised)
+    if (!g_initialised || g_paHoldsJack)
         return;
     WithQuietStderr([] { return Pa_Terminate(); });
     g_initialised = false;
@@ -78,7 +104,8 @@ void TerminateLocked() {
 
 struct PaEntry {
     SoundDeviceInfo info;
-    PaDeviceIndex index;
+    PaDeviceIndex index;     // -1 for a JACK target
+    std::string jackTarget;  // the JACK client that receives the sound
 };
 
 std::vector<PaEntry> ListPortAudioLocked() {
@@ -92,6 +119,8 @@ std::vector<PaEntry> ListPortAudioLocked() {
         if (d == nullptr || d->maxOutputChannels < 1)
             continue;
         const PaHostApiInfo* api = Pa_GetHostApiInfo(d->hostApi);
+        if (api != nullptr && api->type == paJACK)
+            continue;  // JACK is listed live below
         const std::string apiName = api ? api->name : "Unknown";
         std::string id = "pa:" + apiName + ":" + d->name;
         std::string description = std::string(d->name) + " (" + apiName + ")";
@@ -100,17 +129,24 @@ std::vector<PaEntry> ListPortAudioLocked() {
             id += "#" + std::to_string(n);
             description += " #" + std::to_string(n);
         }
-        list.push_back({{description, id}, i});
+        list.push_back({{description, id}, i, {}});
+    }
+    // JACK as the server is now, with the names PortAudio gives its devices.
+    for (const std::string& target : JackTargets()) {
+        list.push_back(
+            {{target + " (" + kJackApiName + ")", std::string("pa:") + kJackApiName + ":" + target},
+             -1,
+             target});
     }
     return list;
 }
 
 }  // namespace
 
-SoundStatus InitializeAudioLibrary() {
+SoundStatus InitializeAudioLibrary(std::string* problem) {
     AssertNotAudioThread("sound::InitializeAudioLibrary");
     std::lock_guard lock(g_mutex);
-    return InitLocked();
+    return InitLocked(problem);
 }
 
 SoundStatus ReinitializeAudioLibrary() {
@@ -159,8 +195,11 @@ SoundStatus OpenDevice(const std::string& identifier, bool use3D,
         if (e.info.identifier != identifier)
             continue;
         const PrimaryFormat format = PrimaryFormatFor(use3D);
+        // JACK devices get Mixora's own client, which survives its server.
         auto d = std::make_unique<SoundDevice>(e.info.identifier, e.info.description, format,
-                                               MakePortAudioBackend(e.index, format));
+                                               e.jackTarget.empty()
+                                                   ? MakePortAudioBackend(e.index, format)
+                                                   : MakeJackBackend(e.jackTarget, format));
         const SoundStatus s = WithQuietStderr([&] { return d->Start(); });
         if (s != kStatusOk)
             return s;

@@ -52,6 +52,9 @@ constexpr double kButtonHeight = 0.095;
 
 }  // namespace
 
+#include "core/EngineState.h"
+#include "playlist/DefaultPlayList.h"
+
 CRynPlayList::CRynPlayList(QWidget* parent) : CRynWindow("CRynPlayList", kTemplateId, parent) {
     resize(420, 300);
     cddb_ = std::make_shared<cd::LibCddbClient>();

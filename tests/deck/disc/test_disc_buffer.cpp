@@ -246,3 +246,22 @@ TEST_F(DiscBufferTest, FreshDataAndBufferLowLedsFollowTheCursors) {
     EXPECT_FALSE(buffer.GetLeds().freshDataLow);
     EXPECT_EQ(s.freshDataLow.load(), 0);
 }
+
+TEST_F(DiscBufferTest, LiftingTheNeedlePutsTheFreshDataAndBufferLedsOut) {
+    DeckSharedState& s = Engine().decks[0];
+    s.isPlaying.store(1);
+    ASSERT_TRUE(buffer.NoteForwardCursors(0, 8 * kBlockBytes));
+    ASSERT_TRUE(buffer.GetLeds().freshDataLow);
+    int changes = 0;
+    buffer.SetLedsChanged([&] { ++changes; });
+    buffer.LowerReaderPriority();  // the needle is lifted
+    EXPECT_FALSE(buffer.GetLeds().freshDataLow);
+    EXPECT_FALSE(buffer.GetLeds().discBufferLow);
+    EXPECT_FALSE(buffer.GetLeds().discBufferVeryLow);
+    EXPECT_EQ(s.freshDataLow.load(), 0);
+    EXPECT_EQ(s.discBufferVeryLow.load(), 0);
+    EXPECT_EQ(changes, 1);
+    // The next drop measures afresh: still low, the LED lights again.
+    EXPECT_TRUE(buffer.NoteForwardCursors(0, 8 * kBlockBytes));
+    EXPECT_TRUE(buffer.GetLeds().freshDataLow);
+}

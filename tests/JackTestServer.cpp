@@ -1,0 +1,51 @@
+#include "JackTestServer.h"
+
+#include <QDir>
+#include <QProcessEnvironment>
+#include <QStandardPaths>
+
+#include "TestSupport.h"
+
+namespace testsupport {
+
+bool JackServer::Installed() {
+    return !QStandardPaths::findExecutable("jackd").isEmpty() &&
+           !QStandardPaths::findExecutable("jack_wait").isEmpty();
+}
+
+bool JackServer::Start() {
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("JACK_NO_AUDIO_RESERVATION", "1");
+    process_.setProcessEnvironment(env);
+    process_.setProcessChannelMode(QProcess::MergedChannels);
+    process_.start("jackd",
+                   {"-n", name_, "--no-realtime", "-d", "dummy", "-r", "44100", "-p", "256"});
+    if (!process_.waitForStarted(10000))
+        return false;
+    return Run("jack_wait", {"-s", name_, "-w", "-t", "10"}, 20000);
+}
+
+void JackServer::Stop() {
+    if (process_.state() != QProcess::NotRunning) {
+        process_.terminate();
+        if (!process_.waitForFinished(5000)) {
+            process_.kill();
+            process_.waitForFinished(5000);
+        }
+    }
+    // The server's own files; the shared registry only when no other
+    // server is left.
+    QDir shm("/dev/shm");
+    const QStringList ours = shm.entryList({"jack_" + name_ + "_*", "jack_sem.*_" + name_ + "_*"},
+                                           QDir::System | QDir::Files);
+    for (const QString& f : ours)
+        shm.remove(f);
+    if (shm.entryList({"jack_*_*_0"}, QDir::System).isEmpty()) {
+        for (const QString& f : shm.entryList({"jack-*", "jack_sem.*"}, QDir::Files))
+            shm.remove(f);
+        for (const QString& d : shm.entryList({"jack_db-*"}, QDir::Dirs))
+            QDir(shm.filePath(d)).removeRecursively();
+    }
+}
+
+}  // namespace testsupport
