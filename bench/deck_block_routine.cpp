@@ -49,8 +49,7 @@ std::unique_ptr<DeckRoutine> MakeDeck(int deck, bool ints, bool on) {
 }
 
 void BothDecks(benchmark::State& state, bool ints, bool on) {
-    std::array<std::unique_ptr<DeckRoutine>, 2> decks{MakeDeck(0, ints, on),
-                                                      MakeDeck(1, ints, on)};
+    std::array<std::unique_ptr<DeckRoutine>, 2> decks{MakeDeck(0, ints, on), MakeDeck(1, ints, on)};
     if (decks[0]->window.Engines().BandCount() != 12) {
         state.SkipWithError("the 12-band change did not come");
         return;
@@ -83,8 +82,9 @@ void BothDecks(benchmark::State& state, bool ints, bool on) {
 int main(int argc, char** argv) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
-    std::printf("both decks, one block each per iteration; goal: float, 12 bands, anti-clip "
-                ">= 50x real time\n");
+    std::printf(
+        "both decks, one block each per iteration; goal: float, 12 bands, anti-clip "
+        ">= 50x real time\n");
     benchmark::RegisterBenchmark("both decks/float/12 bands/anti-clip",
                                  [](benchmark::State& s) { BothDecks(s, false, true); });
     benchmark::RegisterBenchmark("both decks/int16/12 bands/anti-clip",

@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr const char* kExtensions[] = {".mp3", ".flac", ".ogg", ".wav", ".aiff", ".m4a",
-                                       ".wma", ".ape", ".opus", ".wv",  ".mpc",  ".tta"};
+constexpr const char* kExtensions[] = {".mp3", ".flac", ".ogg",  ".wav", ".aiff", ".m4a",
+                                       ".wma", ".ape",  ".opus", ".wv",  ".mpc",  ".tta"};
 constexpr std::size_t kExtensionCount = sizeof(kExtensions) / sizeof(kExtensions[0]);
 
 // A scratch file name in memory when /dev/shm exists.

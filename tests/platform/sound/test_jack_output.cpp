@@ -155,8 +155,7 @@ TEST(JackOutputTest, ToneThroughPortAudioJackIsHeardAtItsPitchAndLevel) {
 
     Recorder recorder(44100);
     ASSERT_TRUE(recorder.Open(serverName.constData()));
-    ASSERT_TRUE(
-        testsupport::WaitFor([&] { return recorder.PortExists("Mixora:out_1"); }, 10000));
+    ASSERT_TRUE(testsupport::WaitFor([&] { return recorder.PortExists("Mixora:out_1"); }, 10000));
     ASSERT_TRUE(recorder.Connect("Mixora:out_0", "Mixora:out_1"));
     EXPECT_TRUE(looped.Wait(10000)) << "the play cursor never passed the start of the ring";
     recorder.Begin();
