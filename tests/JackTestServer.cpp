@@ -33,19 +33,15 @@ void JackServer::Stop() {
             process_.waitForFinished(5000);
         }
     }
-    // The server's own files; the shared registry only when no other
-    // server is left.
+    RemoveJackServerFiles(name_);
+}
+
+void RemoveJackServerFiles(const QString& name) {
     QDir shm("/dev/shm");
-    const QStringList ours = shm.entryList({"jack_" + name_ + "_*", "jack_sem.*_" + name_ + "_*"},
+    const QStringList ours = shm.entryList({"jack_" + name + "_*", "jack_sem.*_" + name + "_*"},
                                            QDir::System | QDir::Files);
     for (const QString& f : ours)
         shm.remove(f);
-    if (shm.entryList({"jack_*_*_0"}, QDir::System).isEmpty()) {
-        for (const QString& f : shm.entryList({"jack-*", "jack_sem.*"}, QDir::Files))
-            shm.remove(f);
-        for (const QString& d : shm.entryList({"jack_db-*"}, QDir::Dirs))
-            QDir(shm.filePath(d)).removeRecursively();
-    }
 }
 
 }  // namespace testsupport

@@ -1,6 +1,14 @@
 // A JACK server of a test's own with the dummy driver at 44100 Hz and 256
 // frames, named by the test so parallel test processes never share one;
 // stopped by its PID, its files in /dev/shm removed after it.
+//
+// The shared registry /dev/shm/jack-shm-registry (and jack_db-*) is never
+// removed: every process that ever had a JACK client keeps the registry it
+// first attached mapped for good, and libjack has no way to attach it again.
+// A registry removed and made afresh by the next server cuts such a process
+// (the program under test, or this test process with its recorder) off from
+// every JACK server until it restarts. jackd leaves the registry behind on
+// purpose and clears the entries of dead servers when it starts.
 #pragma once
 
 #include <QProcess>
@@ -28,5 +36,9 @@ class JackServer {
     QString name_;
     QProcess process_;
 };
+
+// Removes the files of the server `name` from /dev/shm (its socket and
+// semaphores, left behind when it was killed), never the shared registry.
+void RemoveJackServerFiles(const QString& name);
 
 }  // namespace testsupport

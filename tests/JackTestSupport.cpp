@@ -1,8 +1,8 @@
 #include "JackTestSupport.h"
 
-#include <QDir>
 #include <QProcessEnvironment>
 
+#include "JackTestServer.h"
 #include "TestSupport.h"
 
 namespace testsupport {
@@ -27,17 +27,7 @@ void JackTestServer::Stop() {
             process_.waitForFinished(5000);
         }
     }
-    QDir shm("/dev/shm");
-    const QStringList ours = shm.entryList({"jack_" + name_ + "_*", "jack_sem.*_" + name_ + "_*"},
-                                           QDir::System | QDir::Files);
-    for (const QString& f : ours)
-        shm.remove(f);
-    if (shm.entryList({"jack_*_*_0"}, QDir::System).isEmpty()) {
-        for (const QString& f : shm.entryList({"jack-*", "jack_sem.*"}, QDir::Files))
-            shm.remove(f);
-        for (const QString& d : shm.entryList({"jack_db-*"}, QDir::Dirs))
-            QDir(shm.filePath(d)).removeRecursively();
-    }
+    RemoveJackServerFiles(name_);
 }
 
 bool JackRecorder::Open(const char* name, const char* server) {

@@ -20,8 +20,8 @@ class JackTestServer {
     ~JackTestServer() { Stop(); }
     // Starts jackd -d dummy at 44100 Hz and waits until it runs.
     bool Start();
-    // Stops it and removes its files under /dev/shm (the shared registry
-    // only when no other server is left).
+    // Stops it and removes its own files under /dev/shm, never the shared
+    // registry (see JackTestServer.h).
     void Stop();
     QByteArray Log() { return process_.readAll(); }
 

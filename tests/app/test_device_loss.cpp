@@ -7,6 +7,7 @@
 
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QDir>
 #include <QFileInfo>
 #include <QThread>
 #include <csignal>
@@ -146,6 +147,25 @@ TEST(DeviceLoss, TheJackServerGoesAwayAndComesBack) {
     ASSERT_TRUE(child.Wait(20000));
     EXPECT_EQ(child.ExitCode(), 0);
     server.Stop();
+}
+
+// A process keeps the JACK registry it first attached for good; a stopped
+// test server that took the registry with it would cut the program above
+// (and this test process) off from the server that comes back.
+TEST(DeviceLoss, AStoppedTestServerLeavesJacksSharedRegistry) {
+    if (!testsupport::JackServer::Installed())
+        GTEST_SKIP() << "jackd is not installed (Debian package jackd2)";
+    const QString name = QString("mixora-registry-%1").arg(QCoreApplication::applicationPid());
+    testsupport::JackServer server(name);
+    if (!server.Start())
+        GTEST_SKIP() << "jackd with the dummy driver did not start: " << server.Log().constData();
+    ASSERT_TRUE(QFileInfo::exists("/dev/shm/jack-shm-registry"));
+    server.Stop();
+    EXPECT_TRUE(QFileInfo::exists("/dev/shm/jack-shm-registry"));
+    EXPECT_TRUE(QDir("/dev/shm")
+                    .entryList({"jack_" + name + "_*", "jack_sem.*_" + name + "_*"},
+                               QDir::System | QDir::Files)
+                    .isEmpty());
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "output/engine/OutputDeviceWatch.h"
 
+#include "core/Trace.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "platform/sound/SoundSystem.h"
 
@@ -60,12 +61,20 @@ void OutputDeviceWatch::TryReopen() {
     if (!directory_.listed(watched_)) {
         if (directory_.refresh)
             directory_.refresh();
-        if (!directory_.listed(watched_))
+        if (!directory_.listed(watched_)) {
+            qCDebug(lcTrace, "OutputDeviceWatch: %s is not listed yet", watched_.c_str());
             return;
+        }
     }
     std::unique_ptr<sound::SoundDevice> device;
-    if (!directory_.open || directory_.open(watched_, &device) != kStatusOk || !device)
+    const SoundStatus opened =
+        directory_.open ? directory_.open(watched_, &device) : SoundStatus(kStatusFail);
+    if (opened != kStatusOk || !device) {
+        qCDebug(lcTrace, "OutputDeviceWatch: %s is listed but does not open (0x%x)",
+                watched_.c_str(), static_cast<unsigned>(opened));
         return;
+    }
+    qCDebug(lcTrace, "OutputDeviceWatch: %s is back", watched_.c_str());
     const std::string description = device->Description();
     Switch(std::move(device));
     lost_ = false;

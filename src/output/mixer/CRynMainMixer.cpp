@@ -65,6 +65,7 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
 }
 
 CRynMainMixer::~CRynMainMixer() {
+    closing_ = true;
     // Threads still waiting are stopped and joined before the window goes.
     notify_.JoinAll();
     mainOutput_.ReleaseAll();
@@ -506,6 +507,8 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
 }
 
 LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
+    if (closing_)
+        return 0;
     DeckSharedState& shared = Engine().decks[deck];
     const int value = static_cast<int>(lParam);
     switch (msg) {

@@ -192,6 +192,9 @@ class CRynMainMixer : public CRynWindow {
     bool buildingLayout_ = true;
     MainMixerPanel* panel_ = nullptr;
     NotifyThreads notify_;
+    // Set first in the destructor: deck messages still queued then (joining
+    // the threads pumps them) find the decks and headphones already gone.
+    bool closing_ = false;
     DisplayPacing pacing_;
     int graphsUpdates_ = 0;
     std::array<int, 2> mixSteps_{};

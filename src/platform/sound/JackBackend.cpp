@@ -1,11 +1,14 @@
 #include "platform/sound/JackBackend.h"
 
 #include <jack/jack.h>
+#include <sys/stat.h>
 
 #include <algorithm>
+#include <mutex>
 #include <vector>
 
 #include "core/ThreadRole.h"
+#include "core/Trace.h"
 #include "platform/sound/SoundMixer.h"
 
 namespace sound {
@@ -20,6 +23,62 @@ constexpr int kChunkFrames = 1024;
 // server is an answer, not an error.
 void Quiet(const char*) {}
 
+// libjack maps JACK's shared registry (/dev/shm/jack-shm-registry) with this
+// process's first client and keeps that mapping for good: it cannot attach
+// the registry again. A registry removed and made afresh (a clean-up of
+// /dev/shm while no server ran) therefore leaves this process unable to
+// reach any JACK server until it restarts ("Map shared memory segments"
+// fails in every later jack_client_open), while the server itself is fine.
+// The registry's inode, seen at the first client, tells that case apart
+// from a server that is simply away. Guarded by g_openMutex; never on the
+// audio thread.
+constexpr char kRegistryPath[] = "/dev/shm/jack-shm-registry";
+std::mutex g_openMutex;
+ino_t g_registryInode = 0;  // 0 until a client opened
+int g_lastStatus = -1;      // the last failed open's status, traced once
+bool g_replacedTold = false;
+
+ino_t RegistryInode() {
+    struct stat st {};
+    return stat(kRegistryPath, &st) == 0 ? st.st_ino : 0;
+}
+
+// jack_client_open without a server start, silent, traced when its outcome
+// changes: `who` names the caller in the trace.
+jack_client_t* OpenClient(const char* name, const char* who) {
+    jack_set_error_function(Quiet);
+    jack_set_info_function(Quiet);
+    jack_status_t status{};
+    jack_client_t* client = jack_client_open(name, JackNoStartServer, &status);
+    std::lock_guard lock(g_openMutex);
+    if (client != nullptr) {
+        if (g_registryInode == 0)
+            g_registryInode = RegistryInode();
+        if (g_lastStatus != 0)
+            qCDebug(lcTrace, "JACK: %s connected", who);
+        g_lastStatus = 0;
+        return client;
+    }
+    if (g_lastStatus != static_cast<int>(status)) {
+        qCDebug(lcTrace, "JACK: %s cannot open a client, status 0x%x%s", who,
+                static_cast<unsigned>(status), (status & JackServerFailed) ? " (no server)" : "");
+    }
+    g_lastStatus = static_cast<int>(status);
+    // A server answered but its memory could not be mapped: is the
+    // registry this process holds still the one in /dev/shm?
+    if (!(status & JackServerFailed) && g_registryInode != 0 && !g_replacedTold) {
+        const ino_t now = RegistryInode();
+        if (now != 0 && now != g_registryInode) {
+            g_replacedTold = true;
+            qCWarning(lcTrace,
+                      "JACK's shared registry %s was replaced after Mixora first connected; "
+                      "JACK devices are reachable again after Mixora restarts",
+                      kRegistryPath);
+        }
+    }
+    return nullptr;
+}
+
 class JackBackend : public SoundBackend {
   public:
     JackBackend(std::string target, PrimaryFormat format)
@@ -30,12 +89,9 @@ class JackBackend : public SoundBackend {
         AssertNotAudioThread("JackBackend::Start");
         if (client_ != nullptr)
             return kStatusOk;
-        jack_set_error_function(Quiet);
-        jack_set_info_function(Quiet);
         mixer_ = mixer;
         underruns_ = underruns;
-        jack_status_t status{};
-        client_ = jack_client_open(kClientName, JackNoStartServer, &status);
+        client_ = OpenClient(kClientName, "the output");
         if (client_ == nullptr)
             return kStatusNoDriver;
         if (static_cast<int>(jack_get_sample_rate(client_)) != format_.rate) {
@@ -69,6 +125,8 @@ class JackBackend : public SoundBackend {
         // A client whose server has gone is only closed: nothing answers.
         if (!failed_.load())
             jack_deactivate(client_);
+        else
+            qCDebug(lcTrace, "JACK: the output's client closes after its server went away");
         Close();
     }
 
@@ -137,11 +195,8 @@ class JackBackend : public SoundBackend {
 }  // namespace
 
 std::vector<std::string> JackTargets() {
-    jack_set_error_function(Quiet);
-    jack_set_info_function(Quiet);
     std::vector<std::string> targets;
-    jack_status_t status{};
-    jack_client_t* probe = jack_client_open("Mixora probe", JackNoStartServer, &status);
+    jack_client_t* probe = OpenClient("Mixora probe", "the device list");
     if (probe == nullptr)
         return targets;
     if (const char** inputs =
