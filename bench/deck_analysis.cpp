@@ -49,7 +49,7 @@ void BankOnly(benchmark::State& state) {
 void Stereo(benchmark::State& state) {
     dsp::DeckAnalysis a;
     a.SetBandsInPlot(static_cast<int>(state.range(0)));
-    a.SetScopeWanted(state.range(1) != 0);
+    a.SetScopeWanted(dsp::DeckAnalysis::kDeckScope, state.range(1) != 0);
     const std::vector<float> l = Noise(2), r = Noise(3);
     std::vector<std::int16_t> l16(l.size()), r16(r.size());
     for (size_t k = 0; k < l.size(); ++k) {

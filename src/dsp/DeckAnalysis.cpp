@@ -49,12 +49,12 @@ void DeckAnalysis::AnalyzeBands(int slot, std::span<const float> left,
     const double x = 0.033 * timeRange_;
     for (int c = 0; c < 2; ++c) {
         AnalysisBank& bank = *banks_[c];
-        bank.Process(c == 0 ? left : right, scopeWanted_);
+        bank.Process(c == 0 ? left : right, ScopeWanted());
         Channel& ch = s.channels[c];
         for (int b = 0; b < bands_; ++b)
             ch.bands[b] = Store(bank.BandLevel(b));
         double factor = 1.0;
-        for (int g = 0; scopeWanted_ && g < groups.groups; ++g) {
+        for (int g = 0; ScopeWanted() && g < groups.groups; ++g) {
             factor *= x;
             ScopeBand& scope = scopes_[c][g];
             scope.Add(bank.GroupOutput(g));

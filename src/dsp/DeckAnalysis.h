@@ -73,9 +73,13 @@ class DeckAnalysis : public BlockAnalysis {
     void SetScopeTimeRange(double value) { timeRange_ = value; }
     // Scope traces are built only while a scope display wants them (the
     // group filters are most of the analysis' cost); off, the slots keep
-    // their last traces.
-    void SetScopeWanted(bool on) { scopeWanted_ = on; }
-    bool ScopeWanted() const { return scopeWanted_; }
+    // their last traces. Each display that can show a scope says so for
+    // itself: the deck's own graphs, the main mixer's, the headphones'.
+    enum ScopeUser : unsigned { kDeckScope = 1, kMainMixerScope = 2, kPhonesScope = 4 };
+    void SetScopeWanted(ScopeUser user, bool on) {
+        scopeUsers_ = on ? (scopeUsers_ | user) : (scopeUsers_ & ~unsigned(user));
+    }
+    bool ScopeWanted() const { return scopeUsers_ != 0; }
     double ScopeTimeRange() const { return timeRange_; }
 
     // The meters of the block as read (1176 samples per channel).
@@ -129,7 +133,7 @@ class DeckAnalysis : public BlockAnalysis {
     int beatBand_ = 1;
     bool integers_ = false;
     bool trigger_ = true;
-    bool scopeWanted_ = true;
+    unsigned scopeUsers_ = kDeckScope;
     double timeRange_ = 3.0;
     long analysed_ = 0;
 };

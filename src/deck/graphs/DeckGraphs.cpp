@@ -9,6 +9,7 @@
 #include "controls/CNiGraph.h"
 #include "controls/CNiSlide.h"
 #include "core/EngineState.h"
+#include "deck/graphs/GraphValues.h"
 #include "settings/CRynSettings.h"
 
 namespace {
@@ -259,7 +260,7 @@ void DeckGraphs::AutoRangeTick() {
 
 void DeckGraphs::Reshape() {
     graphs_[1]->setVisible(channels_ == 2);
-    analysis_.SetScopeWanted(type_ == kScope);
+    analysis_.SetScopeWanted(dsp::DeckAnalysis::kDeckScope, type_ == kScope);
     const int n = analysis_.BandsInPlot();
     for (CNiGraph* g : graphs_) {
         g->Clear();
@@ -326,10 +327,8 @@ void DeckGraphs::Draw(int slot) {
 }
 
 void DeckGraphs::DrawBars() {
-    const size_t n = analysis_.CurrentValues().size();
     for (int i = 0; i < channels_; ++i) {
-        const auto values = channels_ == 1 ? analysis_.CurrentValues() : analysis_.ChannelValues(i);
-        std::copy(values.begin(), values.end(), bars_[i].begin());
+        const size_t n = graph_values::Bars(analysis_, channels_ == 1 ? -1 : i, bars_[i]);
         graphs_[i]->PlotY(0, std::span<const double>(bars_[i].data(), n));
         graphs_[i]->SetCursorY(0, analysis_.Range().Low());
         graphs_[i]->SetCursorY(1, analysis_.Range().High());
@@ -341,7 +340,12 @@ void DeckGraphs::DrawScope(int slot) {
     const int groups = analysis_.Groups().groups;
     const double gain = scopeGain_->Value();
     const bool sum = sumScope_->Value();
+    unsigned shown = 0;
+    for (int g = 0; g < 3; ++g)
+        shown |= scopeBands_[g]->Value() ? 1u << g : 0u;
     for (int i = 0; i < channels_; ++i) {
+        // One graph: both channels averaged; two: one each.
+        const int channel = channels_ == 1 ? -1 : i;
         for (int g = 0; g < 3; ++g) {
             if (sum && g > 0) {
                 graphs_[i]->SetPlotVisible(g, false);
@@ -349,18 +353,10 @@ void DeckGraphs::DrawScope(int slot) {
             }
             if (g >= groups)
                 continue;
-            for (int j = 0; j < dsp::DeckAnalysis::kPoints; ++j) {
-                double v = 0.0;
-                for (int gg = (sum ? 0 : g); gg < (sum ? groups : g + 1); ++gg) {
-                    if (sum && !scopeBands_[gg]->Value())
-                        continue;
-                    // One graph: both channels averaged; two: one each.
-                    v += channels_ == 1
-                             ? 0.5 * (s.channels[0].traces[gg][j] + s.channels[1].traces[gg][j])
-                             : s.channels[i].traces[gg][j];
-                }
-                trace_[j] = v * gain;
-            }
+            if (sum)
+                graph_values::ScopeTrace(s, channel, 0, groups, shown, gain, trace_);
+            else
+                graph_values::ScopeTrace(s, channel, g, g + 1, ~0u, gain, trace_);
             if (!sum)
                 graphs_[i]->SetPlotVisible(g, scopeBands_[g]->Value());
             graphs_[i]->PlotY(g, std::span<const double>(trace_));

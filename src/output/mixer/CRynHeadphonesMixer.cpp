@@ -64,8 +64,8 @@ void CRynHeadphonesMixer::SetDeckColours(int deck, const QColor& first, const QC
     colours_[deck] = {first, second};
     levels_[deck]->SetPointerColor(0, first);
     levels_[deck]->SetFillColor(second);
-    for (CNiGraph* plot : plots_)
-        plot->SetPlotColor(deck, first);
+    ShapePlot(0);
+    ShapePlot(1);
     update();
 }
 

@@ -22,8 +22,12 @@
 // sound: the output is closed, the volume slide disabled and a message
 // shown; the main device is not touched.
 //
-// Its two plots and their type and count buttons show the headphones output;
-// the plots are drawn by the graphs pass of the main mixer.
+// Its two plots show what the headphones hear of each deck, in the deck's
+// colour: with one plot both ears, with two the left and the right ear. Each
+// plot's type button reads "Bars" (the band values, spread over 24 columns so
+// that decks with different band counts share the axis) or "Scope" (one
+// trace of the deck's band groups summed). The main mixer's graphs pass draws
+// them (DrawDeck) for the block being heard; hidden plots cost nothing.
 //
 // User-interface thread only.
 #pragma once
@@ -44,7 +48,9 @@ class CNiGraph;
 class CNiSlide;
 class QLabel;
 
-class CNiSlide;
+namespace dsp {
+class DeckAnalysis;
+}
 
 class CRynHeadphonesMixer : public CRynWindow {
     Q_OBJECT
@@ -96,6 +102,18 @@ class CRynHeadphonesMixer : public CRynWindow {
     HeadphonesSync::Step SyncToMain(int deck, int mainCursor, double nowSeconds, double deckRate);
     HeadphonesSync& Sync() { return sync_; }
 
+    // The graphs pass: deck `deck`'s measurements of `slot` (the block
+    // being heard) into the plots shown; nothing while the window is hidden.
+    void DrawDeck(int deck, const dsp::DeckAnalysis& analysis, int slot);
+    // A deck's graphs on or off (its meters enable); off clears its traces.
+    void SetDeckGraphsOn(int deck, bool on);
+    // A stopped deck: its traces leave the plots.
+    void ClearDeck(int deck);
+    // The window is shown with a plot in "Scope": the decks build traces.
+    bool WantsScope() const;
+    // Plots drawn so far (tests).
+    int PlotDraws() const { return plotDraws_; }
+
     // The keys' setters: they move the controls, whose events do the work.
     void SetLevel(int deck, float level);
     void SetBalance(int deck, float balance);
@@ -137,6 +155,8 @@ class CRynHeadphonesMixer : public CRynWindow {
     void OnVolumeMoved();
     void OnSeparateEars(bool on);
     void OnPlotCount(bool two);
+    void ShapePlot(int which);  // axes and styles for the plot's type and the count
+    bool PlotIsScope(int which) const;
     bool Opened(const QString& name);
     // The headphones are lost: output closed (or, for a device that stopped
     // answering, set aside unclosed), volume off, message shown.
@@ -165,4 +185,11 @@ class CRynHeadphonesMixer : public CRynWindow {
     std::array<CNiButton*, 2> plotTypes_{};
     CNiButton* plotCount_ = nullptr;
     QLabel* status_ = nullptr;
+
+    // Reused by every draw: 24 band columns plus entry 0, one scope trace.
+    static constexpr int kBarColumns = 24;
+    std::array<double, kBarColumns + 1> bars_{};
+    std::array<double, 100> trace_{};
+    std::array<bool, 2> deckOn_{true, true};
+    int plotDraws_ = 0;
 };

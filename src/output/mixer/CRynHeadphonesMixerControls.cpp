@@ -169,6 +169,7 @@ void CRynHeadphonesMixer::Connect() {
     connect(plotCount_, &CNiButton::valueChanged, this, &CRynHeadphonesMixer::OnPlotCount);
     for (int i = 0; i < 2; ++i) {
         connect(plotTypes_[i], &CNiButton::valueChanged, this, [this, i](bool) {
+            ShapePlot(i);
             if (!loading_)
                 Settings().SetPhonesMixerGraphType(i, plotTypes_[i]->Caption());
         });
@@ -178,6 +179,8 @@ void CRynHeadphonesMixer::Connect() {
 void CRynHeadphonesMixer::OnPlotCount(bool two) {
     plots_[1]->setVisible(two);
     plotTypes_[1]->setVisible(two);
+    ShapePlot(0);
+    ShapePlot(1);
     if (!loading_)
         Settings().SetPhonesMixerNumGraphs(two ? 2 : 1);
 }

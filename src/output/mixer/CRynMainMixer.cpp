@@ -365,6 +365,8 @@ void CRynMainMixer::OnWindowTimer(int id) {
 void CRynMainMixer::StopDeck(int deck) {
     Engine().decks[deck].isPlaying.store(0);
     meters_->ClearDeck(deck);
+    if (headphones_)
+        headphones_->ClearDeck(deck);
     lastDrawn_[deck] = -1;
     notify_.Stop(NotifyKind::Forward, deck);
     notify_.Stop(NotifyKind::Scratch, deck);

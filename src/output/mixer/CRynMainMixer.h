@@ -203,6 +203,7 @@ class CRynMainMixer : public CRynWindow {
     MixerMeters* meters_ = nullptr;
     CpuLoad cpuLoad_;
     std::array<int, 2> lastDrawn_{-1, -1};
+    std::array<double, 100> scope_{};  // the small graph's trace, reused by every draw
     std::array<int, 2> meterDraws_{};
     std::pair<int, int> exclusiveGraph_{0, 0};
     OutputDeviceWatch mainWatch_{mainOutput_};

@@ -7,6 +7,8 @@
 #include "core/EngineState.h"
 #include "deck/CRynDeck.h"
 #include "deck/graphs/DeckGraphs.h"
+#include "deck/graphs/GraphValues.h"
+#include "output/mixer/CRynHeadphonesMixer.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "output/mixer/MixerMeters.h"
 #include "settings/CRynSettings.h"
@@ -20,6 +22,9 @@ void CRynMainMixer::InitialiseMeters() {
         Settings().SetMetersEnabled(deck, on);
         SetMetersEnabled(deck, on);
     };
+    meters_->onGraphTypeChanged = [](int deck, const QString& type) {
+        Settings().SetMainMixerGraphType(deck, type);
+    };
     meters_->onGraphDoubleClicked = [this](int deck) {
         SendAppMessage(host_, UWM_GRAPH_DOUBLE_CLICK, kTemplateId, kBandGraphIds[deck]);
     };
@@ -28,8 +33,10 @@ void CRynMainMixer::InitialiseMeters() {
 }
 
 void CRynMainMixer::ApplyStoredMeters() {
-    for (int d = 0; d < 2; ++d)
+    for (int d = 0; d < 2; ++d) {
+        meters_->SetGraphType(d, Settings().GetMainMixerGraphType(d));
         SetMetersEnabled(d, Settings().GetMetersEnabled(d));
+    }
 }
 
 void CRynMainMixer::SetMetersEnabled(int deck, bool on) {
@@ -38,6 +45,8 @@ void CRynMainMixer::SetMetersEnabled(int deck, bool on) {
     meters_->BandGraph(deck)->setVisible(on);
     if (decks_[deck])
         decks_[deck]->Graphs().SetGraphsOn(on);
+    if (headphones_)
+        headphones_->SetDeckGraphsOn(deck, on);
     lastDrawn_[deck] = -1;
     if (host_ != 0)
         SendAppMessage(host_, UWM_METERS_THREAD, on ? 1 : 0);
@@ -58,6 +67,16 @@ void CRynMainMixer::DrawGraphsAndMeters() {
     // Playback has priority: nothing is drawn while the interface lags.
     if (e.overload.load() != 0)
         return;
+    const bool phonesShown = headphones_ && headphones_->isVisible();
+    const bool phonesScope = phonesShown && headphones_->WantsScope();
+    for (int d = 0; d < 2; ++d) {
+        // The decks build scope traces only for the scopes on show.
+        if (decks_[d]) {
+            dsp::DeckAnalysis& a = decks_[d]->Graphs().Analysis();
+            a.SetScopeWanted(dsp::DeckAnalysis::kMainMixerScope, meters_->WantsScope(d));
+            a.SetScopeWanted(dsp::DeckAnalysis::kPhonesScope, phonesScope);
+        }
+    }
     for (int d = 0; d < 2; ++d) {
         const DeckSharedState& s = e.decks[d];
         if (s.isPlaying.load() == 0 || s.metersOff.load() != 0 || !decks_[d])
@@ -74,6 +93,13 @@ void CRynMainMixer::DrawGraphsAndMeters() {
         const auto& ch = graphs.Analysis().At(slot).channels;
         const float rms = 0.5f * (ch[0].rmsDb + ch[1].rmsDb);
         meters_->ShowDeck(d, rms, graphs.BeatValue(), graphs.Analysis().CurrentValues());
+        if (meters_->WantsScope(d)) {
+            const dsp::DeckAnalysis& a = graphs.Analysis();
+            graph_values::ScopeTrace(a.At(slot), -1, 0, a.Groups().groups, ~0u, 1.0, scope_);
+            meters_->ShowScope(d, scope_);
+        }
+        if (phonesShown)
+            headphones_->DrawDeck(d, graphs.Analysis(), slot);
         ++meterDraws_[d];
     }
 }

@@ -11,6 +11,7 @@
 #include "controls/CNiButton.h"
 #include "controls/CNiGraph.h"
 #include "controls/CNiSlide.h"
+#include "dsp/ScopeBand.h"
 
 namespace {
 
@@ -121,6 +122,7 @@ void MixerMeters::BuildDeck(int d) {
     graphs_[d]->SetPlotStyle(0, CNiGraph::kBars);
     graphs_[d]->SetYRange(0, 280000);
     graphs_[d]->installEventFilter(this);
+    ShapeGraph(d);
 }
 
 void MixerMeters::SetDeckColours(int deck, const QColor& main, const QColor& dark) {
@@ -156,7 +158,7 @@ void MixerMeters::ShowDeck(int deck, float rmsDb, float beat, std::span<const do
         beatLed_[deck]->SetOnColor(led);
     if (beatMetersOn_ && beat_[deck].Update(b))
         LightBar(deck, true);
-    if (!bands.empty() && !graphs_[deck]->isHidden()) {
+    if (!scope_[deck] && !bands.empty() && !graphs_[deck]->isHidden()) {
         const size_t n = std::min(bands.size(), bandBuffer_.size());
         if (shownBars_[deck] != static_cast<int>(n)) {
             graphs_[deck]->SetXRange(0, static_cast<double>(n - 1));
@@ -165,6 +167,44 @@ void MixerMeters::ShowDeck(int deck, float rmsDb, float beat, std::span<const do
         std::copy_n(bands.begin(), n, bandBuffer_.begin());
         graphs_[deck]->PlotY(0, std::span<const double>(bandBuffer_.data(), n));
     }
+}
+
+void MixerMeters::SetGraphType(int deck, const QString& type) {
+    const bool scope = type == QStringLiteral("Scope");
+    if (scope == scope_[deck])
+        return;
+    scope_[deck] = scope;
+    ShapeGraph(deck);
+}
+
+QString MixerMeters::GraphType(int deck) const {
+    return scope_[deck] ? QStringLiteral("Scope") : QStringLiteral("Bars");
+}
+
+bool MixerMeters::WantsScope(int deck) const {
+    return scope_[deck] && !graphs_[deck]->isHidden();
+}
+
+void MixerMeters::ShapeGraph(int deck) {
+    CNiGraph* g = graphs_[deck];
+    g->Clear();
+    shownBars_[deck] = -1;
+    if (scope_[deck]) {
+        g->SetPlotStyle(0, CNiGraph::kLines);
+        g->SetXRange(0, dsp::ScopeBand::kPoints - 1);
+        g->SetYRange(-32768, 32767);
+    } else {
+        g->SetPlotStyle(0, CNiGraph::kBars);
+        g->SetYRange(0, 280000);
+    }
+    g->setToolTip(QStringLiteral("Deck %1 %2 graph: right-click switches bars and scope.")
+                      .arg(deck == 0 ? QStringLiteral("A") : QStringLiteral("B"), GraphType(deck)));
+}
+
+void MixerMeters::ShowScope(int deck, std::span<const double> trace) {
+    if (!scope_[deck] || graphs_[deck]->isHidden())
+        return;
+    graphs_[deck]->PlotY(0, trace);
 }
 
 void MixerMeters::LightBar(int deck, bool beatBar) {
@@ -258,6 +298,12 @@ bool MixerMeters::eventFilter(QObject* watched, QEvent* event) {
             if (std::find(beatLamps_[d].begin(), beatLamps_[d].end(), watched) !=
                 beatLamps_[d].end()) {
                 SetBeatMetersOn(!beatMetersOn_);
+                return true;
+            }
+            if (watched == graphs_[d]) {
+                SetGraphType(d, scope_[d] ? QStringLiteral("Bars") : QStringLiteral("Scope"));
+                if (onGraphTypeChanged)
+                    onGraphTypeChanged(d, GraphType(d));
                 return true;
             }
             if (watched == rms_[d] || std::find(decibelLamps_[d].begin(), decibelLamps_[d].end(),

@@ -1,7 +1,8 @@
 // The main mixer's meters: per deck the meters enable button, the RMS value
 // of the block being heard, a decibel meter of 9 lamps (4 green, 4 yellow,
 // 1 red), a beat lamp, a beat meter of 12 lamps in the deck's two colours, a
-// small band graph and a beats-per-minute read-out that keeps its first
+// small graph ("Bars": the band values; "Scope": one trace of the band
+// groups summed; right click switches) and a beats-per-minute read-out that keeps its first
 // text; and for the program the processor load and the system overload lamp.
 //
 // The decibel meter is a moving bar (LampBar mode 0, at most three lamps per
@@ -45,6 +46,14 @@ class MixerMeters : public QWidget {
     // One drawn block of a deck: its RMS level (dB), beat value and current
     // band values (entries 0 … n).
     void ShowDeck(int deck, float rmsDb, float beat, std::span<const double> bands);
+    // The deck's small graph: "Bars" or "Scope" (anything else is "Bars").
+    void SetGraphType(int deck, const QString& type);
+    QString GraphType(int deck) const;
+    bool ShowsScope(int deck) const { return scope_[deck]; }
+    // The graph shows the scope and is visible: a trace is wanted.
+    bool WantsScope(int deck) const;
+    // One scope trace of the block being drawn (100 points, 16-bit scale).
+    void ShowScope(int deck, std::span<const double> trace);
     // A stopped deck: the RMS text reads "0.0" and the band graph is cleared.
     void ClearDeck(int deck);
     void SetCpuLoad(int percent);
@@ -75,6 +84,8 @@ class MixerMeters : public QWidget {
 
     // The user pressed a deck's meters enable button (its new state).
     std::function<void(int deck, bool on)> onEnableMeters;
+    // The user switched a deck's graph type (right click on the graph).
+    std::function<void(int deck, const QString& type)> onGraphTypeChanged;
     // A band graph was double-clicked.
     std::function<void(int deck)> onGraphDoubleClicked;
 
@@ -84,6 +95,7 @@ class MixerMeters : public QWidget {
   private:
     void BuildDeck(int deck);
     void LightBar(int deck, bool beatBar);
+    void ShapeGraph(int deck);
 
     std::array<CNiButton*, 2> enable_{};
     std::array<QLabel*, 2> rms_{};
@@ -96,6 +108,7 @@ class MixerMeters : public QWidget {
     std::array<LampBar, 2> beat_{LampBar(kBeatLamps, 1), LampBar(kBeatLamps, 1)};
     std::array<std::array<QColor, 2>, 2> colours_{};
     std::array<int, 2> shownBars_{-1, -1};
+    std::array<bool, 2> scope_{};
     std::array<int, 2> shownTenths_{};  // the RMS text in tenths of a dB
     std::array<double, 25> bandBuffer_{};
     QLabel* cpuText_ = nullptr;
