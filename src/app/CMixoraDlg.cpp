@@ -23,6 +23,7 @@
 #include "core/Trace.h"
 #include "deck/CRynDeck.h"
 #include "deck/CRynDeckInfo.h"
+#include "deck/transport/DeckTransport.h"
 #include "dsp/window/CRyn3DGraph.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
@@ -109,6 +110,12 @@ CMixoraDlg::~CMixoraDlg() {
     }
     JoinStoppedThreads();
     StopGraphsThread();
+    // The readers end first: joining them serves their last messages, which
+    // the decks hand on to their information windows.
+    for (auto& deck : decks_) {
+        if (deck)
+            deck->Transport().StopAllReaders();
+    }
     for (int d = 0; d < 2; ++d) {
         infos_[d].reset();
         equalizers_[d].reset();
