@@ -8,6 +8,7 @@
 #include <QTextEdit>
 
 #include "app/VirtualKeys.h"
+#include "core/TsanAnnotations.h"
 
 namespace {
 
@@ -93,6 +94,10 @@ void CRynKeyboard::Record(int vk, unsigned scan, bool down) {
 }
 
 bool CRynKeyboard::eventFilter(QObject* watched, QEvent* event) {
+    // As an application filter this sees every event first, the engine's
+    // messages from other threads included: take the hand-over before
+    // reading one.
+    MIXORA_HANDOVER_ACQUIRE(event);
     const QEvent::Type type = event->type();
     if (type != QEvent::KeyPress && type != QEvent::KeyRelease)
         return false;
