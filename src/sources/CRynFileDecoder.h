@@ -151,6 +151,8 @@ class CRynFileDecoder {
     void NoteStreamEnd();
 
     std::unique_ptr<media::MediaSource> source_;
-    bool open_ = false;
+    // Read by the interface thread (times, duration) while the reader closes
+    // the file at its end.
+    std::atomic<bool> open_{false};
     EndOfTrackHandler onEndOfTrack_;
 };
