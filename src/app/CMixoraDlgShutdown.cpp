@@ -118,6 +118,9 @@ void CMixoraDlg::Shutdown() {
     PumpAndPause();
 
     ShutdownStep(5, QStringLiteral("Destroying Deck Components."));
+    // The graphs thread asks the main mixer to draw the decks: it ends before
+    // any deck or the mixer goes.
+    StopGraphsThread();
     // Each deck's information, equalizer and play list windows, then the
     // decks. The decks' timers and readers stopped in step 2, so nothing of
     // theirs reads a play list any more.
@@ -139,8 +142,6 @@ void CMixoraDlg::Shutdown() {
     cdAudio_.reset();
     Pause();
 
-    // The graphs thread may still run (a deck's meters were on): it ends now.
-    StopGraphsThread();
     keyForwarder_.Uninstall();
     ShellLog(QStringLiteral("events closed"));
     PumpMessages();
