@@ -137,6 +137,10 @@ TEST_F(DeckPlatter, ADragForwardThenBackwardPlaysTheRingForwardsThenReversed) {
     rig.Deck(0).TurntablePanel()->ApplyMode(QStringLiteral("Drag"));
     CNiKnob* knob = Platter().ActiveKnob();
     double angle = Platter().PlayAngle();
+    // The pointer puts the knob where it presses before the grab: a drag
+    // update served while the press is handled samples that angle, not the
+    // one the platter last drew.
+    knob->SetValue(angle);
     Platter().LeftDown();
     knob->SetValue(angle);
     Platter().DragUpdate();  // the press's sample: the hand holds the platter, the output stops
