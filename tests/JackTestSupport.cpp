@@ -7,29 +7,6 @@
 
 namespace testsupport {
 
-bool JackTestServer::Start() {
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("JACK_NO_AUDIO_RESERVATION", "1");
-    process_.setProcessEnvironment(env);
-    process_.setProcessChannelMode(QProcess::MergedChannels);
-    process_.start("jackd",
-                   {"-n", name_, "--no-realtime", "-d", "dummy", "-r", "44100", "-p", "256"});
-    if (!process_.waitForStarted(10000))
-        return false;
-    return Run("jack_wait", {"-s", name_, "-w", "-t", "10"}, 20000);
-}
-
-void JackTestServer::Stop() {
-    if (process_.state() != QProcess::NotRunning) {
-        process_.terminate();
-        if (!process_.waitForFinished(5000)) {
-            process_.kill();
-            process_.waitForFinished(5000);
-        }
-    }
-    RemoveJackServerFiles(name_);
-}
-
 bool JackRecorder::Open(const char* name, const char* server) {
     jack_status_t status;
     client_ = jack_client_open(

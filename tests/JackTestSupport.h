@@ -12,23 +12,12 @@
 #include <cstddef>
 #include <vector>
 
+#include "JackTestServer.h"
+
 namespace testsupport {
 
-class JackTestServer {
-  public:
-    explicit JackTestServer(QString name) : name_(std::move(name)) {}
-    ~JackTestServer() { Stop(); }
-    // Starts jackd -d dummy at 44100 Hz and waits until it runs.
-    bool Start();
-    // Stops it and removes its own files under /dev/shm, never the shared
-    // registry (see JackTestServer.h).
-    void Stop();
-    QByteArray Log() { return process_.readAll(); }
-
-  private:
-    QString name_;
-    QProcess process_;
-};
+// The dummy-driver JACK server of the tests (tests/JackTestServer.h).
+using JackTestServer = JackServer;
 
 class JackRecorder {
   public:
