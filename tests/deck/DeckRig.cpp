@@ -138,6 +138,25 @@ bool PlaybackRig::RenderUntil(const std::function<bool()>& pred, int maxBlocks) 
     return pred();
 }
 
+bool PlaybackRig::RenderAndDraw(int blocks) {
+    for (int i = 0; i < blocks; ++i) {
+        if (!RenderBlocks(1))
+            return false;
+        WaitFor(
+            [] {
+                for (const DeckSharedState& d : Engine().decks) {
+                    if (d.isPlaying.load() != 0 &&
+                        (d.freshDataLow.load() != 0 || d.discBufferVeryLow.load() != 0))
+                        return false;
+                }
+                return true;
+            },
+            2000);
+        mixer_->DrawGraphsAndMeters();
+    }
+    return true;
+}
+
 bool PlaybackRig::LoadAndPrime(int d, const QStringList& files) {
     decks_[d]->OpenFiles(files);
     return WaitFor([&] { return decks_[d]->Primed(); }, 10000);

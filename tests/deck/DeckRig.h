@@ -51,6 +51,10 @@ class PlaybackRig {
     bool RenderBlocks(int blocks);
     // Renders until pred() or `maxBlocks` blocks have gone by.
     bool RenderUntil(const std::function<bool()>& pred, int maxBlocks);
+    // Renders `blocks` blocks and runs the mixer's graphs pass after each.
+    // The manual device renders far faster than real time and a deck short
+    // of data is not drawn, so the readers get the time to refill first.
+    bool RenderAndDraw(int blocks);
     const std::vector<std::int16_t>& Output() const { return output_; }
     void ClearOutput() { output_.clear(); }
 

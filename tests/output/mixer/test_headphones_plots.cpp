@@ -36,24 +36,8 @@ QString Tone() {
     return testsupport::Run("sox", args) ? path : QString();
 }
 
-// Renders one block and runs the graphs pass. The manual device renders far
-// faster than real time: the readers get the time to refill first, since a
-// deck short of data is not drawn.
 void Step(PlaybackRig& rig, int blocks = 1) {
-    for (int i = 0; i < blocks; ++i) {
-        ASSERT_TRUE(rig.RenderBlocks(1));
-        testsupport::WaitFor(
-            [] {
-                for (const DeckSharedState& d : Engine().decks) {
-                    if (d.isPlaying.load() != 0 &&
-                        (d.freshDataLow.load() != 0 || d.discBufferVeryLow.load() != 0))
-                        return false;
-                }
-                return true;
-            },
-            2000);
-        rig.Mixer().DrawGraphsAndMeters();
-    }
+    ASSERT_TRUE(rig.RenderAndDraw(blocks));
 }
 
 // The expected scope trace: every group of the slot summed, `channel` -1

@@ -49,8 +49,7 @@ void SaveWindows(PlaybackRig& rig) {
         graphs.SetChannels(type == QStringLiteral("Scope") ? 2 : 1);
         rig.Deck(0).show();
         for (int i = 0; i < 12; ++i) {
-            ASSERT_TRUE(rig.RenderBlocks(1));
-            rig.Mixer().DrawGraphsAndMeters();
+            ASSERT_TRUE(rig.RenderAndDraw(1));
         }
         EXPECT_GT(graphs.Draws(), 0);
         QImage deck = rig.Deck(0).grab().toImage();
@@ -89,8 +88,7 @@ TEST(MixerMetersHeard, RmsTextAndLampsFollowTheBlockBeingHeard) {
     int loudDraws = 0;
     int writtenAt = -1, heardAt = -1, shownAt = -1;
     for (int block = 0; block < 400 && shownAt < 0; ++block) {
-        ASSERT_TRUE(rig.RenderBlocks(1));
-        mixer.DrawGraphsAndMeters();
+        ASSERT_TRUE(rig.RenderAndDraw(1));
         const int heard = mixer.HeardSlot(0);
         ASSERT_GE(heard, 0);
         const float heardDb = analysis.At(heard).channels[0].rmsDb;
@@ -123,8 +121,7 @@ TEST(MixerMetersHeard, RmsTextAndLampsFollowTheBlockBeingHeard) {
     // −20 dBFS: σ = 3277/√2 → 67.3 dB.
     EXPECT_NEAR(meters.RmsText(0).toDouble(), 67.3, 0.1);
     for (int i = 0; i < 3; ++i) {
-        ASSERT_TRUE(rig.RenderBlocks(1));
-        mixer.DrawGraphsAndMeters();
+        ASSERT_TRUE(rig.RenderAndDraw(1));
     }
     EXPECT_EQ(meters.DecibelLit(0), 5);  // f = 0.588
     SaveWindows(rig);
@@ -147,8 +144,7 @@ TEST(MixerMetersHeard, ClickTrackAt120BpmLightsTheBeatLedTwiceASecond) {
     // The auto range starts at 0 … 280000 and closes by 1 dB a side every
     // 100 ms of playing: after 22 s it hugs the clicks' envelope.
     for (int i = 0; i < 825; ++i) {
-        ASSERT_TRUE(rig.RenderBlocks(1));
-        mixer.DrawGraphsAndMeters();
+        ASSERT_TRUE(rig.RenderAndDraw(1));
         if (i % 4 == 0)
             graphs.AutoRangeTick();
     }
@@ -158,8 +154,7 @@ TEST(MixerMetersHeard, ClickTrackAt120BpmLightsTheBeatLedTwiceASecond) {
     bool lit = false;
     const int blocks = 375;  // 10 s
     for (int i = 0; i < blocks; ++i) {
-        ASSERT_TRUE(rig.RenderBlocks(1));
-        mixer.DrawGraphsAndMeters();
+        ASSERT_TRUE(rig.RenderAndDraw(1));
         // The auto range narrows every 100 ms of playing: about every 4 blocks.
         if (i % 4 == 0)
             graphs.AutoRangeTick();
