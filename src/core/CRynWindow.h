@@ -7,6 +7,7 @@
 #include <map>
 
 #include "core/AppMessages.h"
+#include "core/ComponentRegistry.h"
 
 class CRynWindow : public QWidget, public MessageReceiver {
     Q_OBJECT
@@ -29,6 +30,11 @@ class CRynWindow : public QWidget, public MessageReceiver {
     void KillWindowTimer(int id);
     bool WindowTimerActive(int id) const;
 
+    // The window's controls with their titles, descriptions, tool tips and
+    // places, in registration order (tool tips, layout, the user guide).
+    ComponentRegistry& Registry() { return registry_; }
+    const ComponentRegistry& Registry() const { return registry_; }
+
   protected:
     // Default: nothing.
     virtual void OnWindowTimer(int id);
@@ -43,6 +49,7 @@ class CRynWindow : public QWidget, public MessageReceiver {
         bool once;
     };
     std::map<int, Timer> timers_;  // by window timer id
+    ComponentRegistry registry_;
 };
 
 // A message receiver that is not a window (tests, helpers): a QObject living
