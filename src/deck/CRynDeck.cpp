@@ -10,6 +10,7 @@
 #include "controls/CNiSlide.h"
 #include "core/EngineState.h"
 #include "deck/CRynDeckInfo.h"
+#include "deck/DeckComponents.h"
 #include "deck/block/DeckBlockWork.h"
 #include "deck/disc/CRynDiscBuffer.h"
 #include "deck/effects/DeckEffectsPanel.h"
@@ -52,16 +53,10 @@ CNiButton* MakeCommand(QWidget* parent, const QString& caption) {
     return b;
 }
 
-// A tool tip of a title and its description.
-QString TitledTip(const QString& title, const QString& text) {
-    return QStringLiteral("<b>%1</b><br>%2").arg(title.toHtmlEscaped(), text.toHtmlEscaped());
-}
-
-CNiButton* MakeLed(QWidget* parent, const QString& tip) {
+CNiButton* MakeLed(QWidget* parent) {
     auto* b = new CNiButton(parent);
     b->SetStyle(CNiButton::kRoundLamp);
     b->SetColors(QColor(200, 200, 20), QColor(50, 50, 40));
-    b->setToolTip(tip);
     b->setFixedSize(16, 16);
     return b;
 }
@@ -128,6 +123,7 @@ void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlay
     tempo_->SetDeckColours(Colour(0), Colour(1));
     WireControls();
     WireTurntable();
+    RegisterDeckComponents(*this);
 }
 
 void CRynDeck::SetCdAudio(CRynCdAudio* cd) {
@@ -194,7 +190,6 @@ void CRynDeck::BuildControls() {
 
     trackName_ = MakeDisplay(this, 10);
     SetTrackName(QString::fromLatin1(DeckSource::kNoFile));
-    trackName_->setToolTip(QStringLiteral("Current Track Name Display"));
     trackNumber_ = MakeDisplay(this, 10);
     trackNumber_->setText(QStringLiteral("0/0"));
     trackNumber_->setAlignment(Qt::AlignCenter);
@@ -211,7 +206,6 @@ void CRynDeck::BuildControls() {
     progress_ = new CNiSlide(Qt::Horizontal, this);
     progress_->SetAxis(0.0, 1.0);
     progress_->SetFillColor(kProgressGrey);
-    progress_->setToolTip(QStringLiteral("Track Progress Slide"));
     grid->addWidget(progress_, 2, 0, 1, 6);
 
     startStop_ = MakeCommand(this, QStringLiteral("start"));
@@ -237,28 +231,15 @@ void CRynDeck::BuildControls() {
     grid->addWidget(modeButton_, 4, 3);
     errorCorrection_ = new CNiButton(QString(), QString(), this);
     errorCorrection_->setEnabled(false);
-    errorCorrection_->setToolTip(
-        TitledTip(QStringLiteral("CD Error Correction:"),
-                  QStringLiteral("Turn On Error Correction (Seek Correction) for CD Rom drive.")));
     grid->addWidget(errorCorrection_, 4, 4, 1, 2);
 
     drives_ = new QComboBox(this);
-    drives_->setToolTip(QStringLiteral("CD Drive Selection"));
     drives_->setEnabled(false);
     grid->addWidget(drives_, 5, 0, 1, 4);
 
-    freshDataLed_ = MakeLed(
-        this, TitledTip(QStringLiteral("Fresh Data Is Low Warning LED:"),
-                        QStringLiteral("Lights up when the disc buffer is low and its priority "
-                                       "has been increased.")));
-    discLowLed_ = MakeLed(
-        this, TitledTip(QStringLiteral("Disc buffer is low warning LED"),
-                        QStringLiteral("This LED will light up when the disc buffer is low and "
-                                       "has been prioritized.")));
-    readErrorLed_ = MakeLed(
-        this,
-        TitledTip(QStringLiteral("Disc Read Error LED:"),
-                  QStringLiteral("This LED will light up when a disc read error has occured.")));
+    freshDataLed_ = MakeLed(this);
+    discLowLed_ = MakeLed(this);
+    readErrorLed_ = MakeLed(this);
     readErrorLed_->SetColors(QColor(220, 30, 30), QColor(50, 40, 40));
     auto* leds = new QHBoxLayout;
     leds->addWidget(freshDataLed_);

@@ -215,6 +215,9 @@ class CRynDeck : public CRynWindow {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    // The registry rows name the deck's own controls.
+    friend void RegisterDeckComponents(CRynDeck& deck);
+
     void BuildControls();
     void BuildTurntable(class QGridLayout* grid);
     void WireTurntable();

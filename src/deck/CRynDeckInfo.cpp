@@ -12,6 +12,7 @@
 #include "controls/ControlLook.h"
 #include "core/EngineState.h"
 #include "core/ServiceThreads.h"
+#include "deck/DeckInfoComponents.h"
 
 using namespace control_look;
 
@@ -38,8 +39,8 @@ QLabel* ReadOut(QWidget* parent) {
 }
 
 // A meter: a slide whose one pointer is a bar from 0 the mouse cannot move.
-CNiSlide* Meter(Qt::Orientation o, double maximum, const QColor& colour, const QString& tip,
-                const QString& name, QWidget* parent) {
+CNiSlide* Meter(Qt::Orientation o, double maximum, const QColor& colour, const QString& name,
+                QWidget* parent) {
     auto* m = new CNiSlide(o, parent);
     m->SetAxis(0.0, maximum);
     m->SetPointerStyle(0, CNiSlide::kFill);
@@ -48,13 +49,12 @@ CNiSlide* Meter(Qt::Orientation o, double maximum, const QColor& colour, const Q
     m->SetFillColor(QColor());
     m->SetTickCount(o == Qt::Vertical ? 10 : 12);
     m->SetValue(0.0);
-    m->setToolTip(tip);
     m->setObjectName(name);
     return m;
 }
 
 // A graph of one ring's fill flags: one bar per slot at x = 1..slots.
-CNiGraph* FlagsGraph(int slotCount, const QString& tip, const QString& name, QWidget* parent) {
+CNiGraph* FlagsGraph(int slotCount, const QString& name, QWidget* parent) {
     auto* g = new CNiGraph(parent);
     g->SetXRange(0.0, slotCount);
     g->SetYRange(0.0, 1.0);
@@ -63,17 +63,15 @@ CNiGraph* FlagsGraph(int slotCount, const QString& tip, const QString& name, QWi
     g->SetPlotColor(0, kFlagColour);
     g->SetGridLines(slotCount / 10, 1);
     g->SetAxisLabelsVisible(true);
-    g->setToolTip(tip);
     g->setObjectName(name);
     return g;
 }
 
-CNiButton* ReadingLed(const QString& tip, const QString& name, QWidget* parent) {
+CNiButton* ReadingLed(const QString& name, QWidget* parent) {
     auto* led = new CNiButton(parent);
     led->SetStyle(CNiButton::kRoundLamp);
     led->SetColors(kLedOn, kLedOff);
     led->setFixedSize(16, 16);
-    led->setToolTip(tip);
     led->setObjectName(name);
     return led;
 }
@@ -103,16 +101,13 @@ void CRynDeckInfo::BuildControls() {
     grid->setVerticalSpacing(4);
 
     // Disc buffers: a graph of the slots' flags, and beside it the level.
-    forwardGraph_ = FlagsGraph(DeckInfoStats::kForwardSlots, QStringLiteral("Disc Buffer Display"),
-                               QStringLiteral("discBufferDisplay"), this);
-    backwardGraph_ =
-        FlagsGraph(DeckInfoStats::kBackwardSlots, QStringLiteral("Backward Disc Buffer Display"),
-                   QStringLiteral("backwardDiscBufferDisplay"), this);
+    forwardGraph_ =
+        FlagsGraph(DeckInfoStats::kForwardSlots, QStringLiteral("discBufferDisplay"), this);
+    backwardGraph_ = FlagsGraph(DeckInfoStats::kBackwardSlots,
+                                QStringLiteral("backwardDiscBufferDisplay"), this);
     forwardLevel_ = Meter(Qt::Vertical, DeckInfoStats::kForwardSlots, kLevelColour,
-                          QStringLiteral("Disc Buffer Level Meter"),
                           QStringLiteral("discBufferLevelMeter"), this);
     backwardLevel_ = Meter(Qt::Vertical, DeckInfoStats::kBackwardSlots, kLevelColour,
-                           QStringLiteral("Backward Disc Buffer Level Meter"),
                            QStringLiteral("backwardDiscBufferLevelMeter"), this);
     forwardCountText_ = ReadOut(this);
     backwardCountText_ = ReadOut(this);
@@ -138,24 +133,23 @@ void CRynDeckInfo::BuildControls() {
     // Output ring positions, each a meter 0..120 with its number.
     struct PositionSpec {
         const char* caption;
-        const char* tip;
         const char* name;
         QColor colour;
     };
     const PositionSpec specs[kPositionMeters] = {
-        {"Forward read", "Forward Buffer Read Position", "forwardReadPosition", kPlayColour},
-        {"Forward write", "Forward Buffer Write Position", "forwardWritePosition", kWriteColour},
-        {"Blocks ahead", "Blocks Written Ahead", "blocksAheadMeter", kAheadColour},
-        {"Reverse play", "Backward Play Position Meter:", "backwardPlayPosition", kPlayColour},
-        {"Reverse write", "Backward Write Position Meter:", "backwardWritePosition", kWriteColour},
+        {"Forward read", "forwardReadPosition", kPlayColour},
+        {"Forward write", "forwardWritePosition", kWriteColour},
+        {"Blocks ahead", "blocksAheadMeter", kAheadColour},
+        {"Reverse play", "backwardPlayPosition", kPlayColour},
+        {"Reverse write", "backwardWritePosition", kWriteColour},
     };
     auto* positions = new QGridLayout;
     positions->setHorizontalSpacing(8);
     positions->setVerticalSpacing(0);
     for (int i = 0; i < kPositionMeters; ++i) {
         const PositionSpec& s = specs[i];
-        positionMeters_[i] = Meter(Qt::Horizontal, kRing, s.colour, QString::fromLatin1(s.tip),
-                                   QString::fromLatin1(s.name), this);
+        positionMeters_[i] =
+            Meter(Qt::Horizontal, kRing, s.colour, QString::fromLatin1(s.name), this);
         positionTexts_[i] = ReadOut(this);
         positions->addWidget(Caption(QString::fromLatin1(s.caption), this, kCaptionLeft), i, 0);
         positions->addWidget(positionMeters_[i], i, 1);
@@ -171,12 +165,9 @@ void CRynDeckInfo::BuildControls() {
     metersButton_ = new CNiButton(QStringLiteral("Meters off"), QStringLiteral("Meters on"), this);
     metersButton_->SetStyle(CNiButton::kLedButton);
     metersButton_->SetAction(CNiButton::kSwitchWhenPressed);
-    metersButton_->setToolTip(QStringLiteral("Turn On Deck Meters:"));
     metersButton_->setObjectName(QStringLiteral("turnOnDeckMeters"));
-    forwardLed_ = ReadingLed(QStringLiteral("Forward disc reading is on:"),
-                             QStringLiteral("forwardDiscReading"), this);
-    backwardLed_ = ReadingLed(QStringLiteral("Backward disc reading is on:"),
-                              QStringLiteral("backwardDiscReading"), this);
+    forwardLed_ = ReadingLed(QStringLiteral("forwardDiscReading"), this);
+    backwardLed_ = ReadingLed(QStringLiteral("backwardDiscReading"), this);
     auto* bottom = new QHBoxLayout;
     bottom->setSpacing(6);
     bottom->addWidget(metersButton_);
@@ -196,6 +187,7 @@ void CRynDeckInfo::Initialise(WindowHandle deckWindow, int deck) {
     deckWindow_ = deckWindow;
     deck_ = deck == 1 ? 1 : 0;
     setWindowTitle(QStringLiteral("Deck %1 Info").arg(QChar('A' + deck_)));
+    RegisterDeckInfoComponents(*this);
 }
 
 void CRynDeckInfo::StopThread() {

@@ -59,8 +59,6 @@ void DeckGraphs::BuildControls() {
         graphs_[i]->SetAxisLabelsVisible(false);
         graphs_[i]->SetGridLines(4, 4);
         graphs_[i]->installEventFilter(this);
-        graphs_[i]->setToolTip(
-            QStringLiteral("Deck Graph: what is being heard, per band or as a scope."));
         // The two horizontal cursors of the bars are the beat range.
         connect(graphs_[i], &CNiGraph::cursorChanged, this, [this](int c, double, double y) {
             dsp::BeatRange& r = analysis_.Range();
@@ -82,8 +80,6 @@ void DeckGraphs::BuildControls() {
     range_->SetPointerInteractive(3, false);
     range_->setFixedWidth(28);
     range_->installEventFilter(this);
-    range_->setToolTip(QStringLiteral(
-        "Graph Range: the lower and upper end of the bars; right-click shows the band range."));
     grid->addWidget(range_, 0, 2);
     connect(range_, &CNiSlide::pointerValueChanged, this, [this](int index, double v) {
         if (index > 1)
@@ -109,8 +105,6 @@ void DeckGraphs::BuildControls() {
             SetChannels(channels_ == 1 ? 2 : 1);
     });
     beatMode_ = SmallButton(this, QStringLiteral("Auto"));
-    beatMode_->setToolTip(
-        QStringLiteral("Beat finding: Auto follows the band's envelope, Man keeps the cursors."));
     connect(beatMode_, &CNiButton::valueChanged, this, [this](bool on) {
         if (on)
             SetBeatAutomatic(!analysis_.Range().Automatic());
@@ -139,14 +133,12 @@ void DeckGraphs::BuildControls() {
         row->addWidget(scopeBands_[g]);
     }
     sumScope_ = SmallButton(this, QStringLiteral("Σ"), true);
-    sumScope_->setToolTip(QStringLiteral("Sum the scope plots into one trace."));
     row->addWidget(sumScope_);
     scopeGain_ = new CNiSlide(Qt::Horizontal, this);
     scopeGain_->SetAxis(0.0, 4.0);
     scopeGain_->SetValue(1.0);
     scopeGain_->setFixedHeight(18);
     scopeGain_->installEventFilter(this);
-    scopeGain_->setToolTip(QStringLiteral("This slide adjusts the gain of the scope plot."));
     connect(scopeGain_, &CNiSlide::valueChanged, this, [this](double v) {
         if (settings_)
             settings_->SetDeckScopeGainSettingName(deck_, static_cast<float>(v));
@@ -155,8 +147,6 @@ void DeckGraphs::BuildControls() {
     scopeTime_->SetAxis(1.0, 10.0);
     scopeTime_->SetValue(3.0);
     scopeTime_->setFixedHeight(18);
-    scopeTime_->setToolTip(
-        QStringLiteral("Scope time range: the time spanned by the scope traces."));
     connect(scopeTime_, &CNiSlide::valueChanged, this,
             [this](double v) { analysis_.SetScopeTimeRange(v); });
     row->addWidget(scopeGain_, 1);

@@ -14,24 +14,6 @@
 
 using namespace control_look;
 
-namespace {
-
-// Key names for the tool tips, deck A then deck B.
-struct DeckKeys {
-    const char* tempoDownCoarse;
-    const char* tempoDownFine;
-    const char* tempoUpFine;
-    const char* tempoUpCoarse;
-    const char* spindleUp;
-    const char* spindleDown;
-    const char* arbitraryUp;
-    const char* arbitraryDown;
-};
-constexpr DeckKeys kKeys[2] = {{"Q", "W", "E", "R", "F", "V", "Shift-F", "Shift-V"},
-                               {"U", "I", "O", "P", ";", "/", "Shift-J", "Shift-M"}};
-
-}  // namespace
-
 DeckTempoPanel::DeckTempoPanel(QWidget* parent) : QWidget(parent) {
     setObjectName(QStringLiteral("deckTempoPanel"));
     setAutoFillBackground(true);
@@ -133,29 +115,7 @@ void DeckTempoPanel::ConnectControls() {
 
 void DeckTempoPanel::Initialise(int deck) {
     deck_ = deck == 1 ? 1 : 0;
-    SetToolTips();
     ShowDisplayText();
-}
-
-void DeckTempoPanel::SetToolTips() {
-    const DeckKeys& k = kKeys[deck_];
-    tempoSlide_->setToolTip(
-        QStringLiteral("Tempo, -8 to +8 %. Keys '%1', '%2', '%3' and '%4' "
-                       "('%1' and '%4' coarse, '%2' and '%3' fine). Right click: 0.")
-            .arg(QLatin1String(k.tempoDownCoarse), QLatin1String(k.tempoDownFine),
-                 QLatin1String(k.tempoUpFine), QLatin1String(k.tempoUpCoarse)));
-    spindleSlide_->setToolTip(
-        QStringLiteral("Spindle: a temporary push of up to 4 % either way, back to 0 when "
-                       "released. Keys '%1' and '%2'.")
-            .arg(QLatin1String(k.spindleUp), QLatin1String(k.spindleDown)));
-    upButton_->setToolTip(QStringLiteral("Tempo up 1 %. Key '%1'. Right click: steps back to 0.")
-                              .arg(QLatin1String(k.arbitraryUp)));
-    downButton_->setToolTip(
-        QStringLiteral("Tempo down 1 %. Key '%1'. Right click: steps back to 0.")
-            .arg(QLatin1String(k.arbitraryDown)));
-    resetToggle_->setToolTip(
-        QStringLiteral("Reset tempo: holds the tempo slide at 0; off puts it back."));
-    display_->setToolTip(QStringLiteral("Total tempo change, percent."));
 }
 
 void DeckTempoPanel::SetDeckColours(const QColor& main, const QColor& dark) {

@@ -48,8 +48,8 @@ class DeckTempoPanel : public QWidget {
     explicit DeckTempoPanel(QWidget* parent = nullptr);
     ~DeckTempoPanel() override;
 
-    // The deck this panel works for (0 = A, 1 = B): picks the deck's key names
-    // for the tool tips and the engine-state slot for outputFrequency. Shows
+    // The deck this panel works for (0 = A, 1 = B): picks the engine-state
+    // slot for outputFrequency. Shows
     // the display text; the frequency is left to the first ApplyTempo.
     void Initialise(int deck);
     int DeckIndex() const { return deck_; }
@@ -111,7 +111,6 @@ class DeckTempoPanel : public QWidget {
   private:
     void BuildControls();
     void ConnectControls();
-    void SetToolTips();
     void ShowDisplayText();
     void OnArbitraryPress(int step, int button);
     void OnArbitraryRelease(int button);

@@ -16,17 +16,14 @@ DeckTurntablePanel::DeckTurntablePanel(QWidget* parent) : QWidget(parent) {
         knobs_[i]->SetSweep(360.0);
         knobs_[i]->SetAxis(0.0, 1.0);
         knobs_[i]->setMinimumSize(120, 120);
-        knobs_[i]->setToolTip(QStringLiteral("Turntable"));
         grid->addWidget(knobs_[i], 0, 0, 1, 2);
     }
     modeButton_ = new CNiButton(this);
     modeButton_->SetAction(CNiButton::kIndicator);
     modeButton_->SetCaption(QStringLiteral("Drop"));
-    modeButton_->setToolTip(QStringLiteral("Turntable Mode"));
     lookButton_ = new CNiButton(this);
     lookButton_->SetAction(CNiButton::kIndicator);
     lookButton_->SetCaption(QStringLiteral("3D"));
-    lookButton_->setToolTip(QStringLiteral("Turntable 2D Or 3D"));
     grid->addWidget(modeButton_, 1, 0);
     grid->addWidget(lookButton_, 1, 1);
 }

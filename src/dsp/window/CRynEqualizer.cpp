@@ -11,6 +11,7 @@
 #include "controls/CNiGraph.h"
 #include "controls/CNiSlide.h"
 #include "core/EngineState.h"
+#include "dsp/window/EqualizerComponents.h"
 #include "settings/CRynSettings.h"
 
 CRynEqualizer::CRynEqualizer(QWidget* parent) : CRynWindow("CRynEqualizer", kTemplateId, parent) {
@@ -30,6 +31,7 @@ void CRynEqualizer::Initialise(int deck, WindowHandle deckWindow) {
     deck_ = deck == 1 ? 1 : 0;
     deckWindow_ = deckWindow;
     setWindowTitle(QStringLiteral("Equalizer Deck %1").arg(QChar('A' + deck_)));
+    RegisterEqualizerComponents(*this);
 }
 
 void CRynEqualizer::ApplyStoredSettings() {

@@ -58,7 +58,6 @@ int CRynEqualizer::SelectedBand() const {
 
 void CRynEqualizer::BuildControls() {
     graph_ = new CNiGraph(this);
-    graph_->setToolTip(QStringLiteral("Frequency Response"));
     graph_->SetXRange(0, eq_window::kPlotPoints - 1);
     graph_->SetYRange(0, kOwnPlotTop);
     graph_->SetGridLines(7, 5);
@@ -73,12 +72,9 @@ void CRynEqualizer::BuildControls() {
 
     onButton_ =
         MakeSwitch(this, QStringLiteral("EQ off"), QStringLiteral("EQ on"), QColor(40, 220, 90));
-    onButton_->setToolTip(QStringLiteral("Equalizer On"));
     antiClip_ = MakeSwitch(this, QStringLiteral("AC off"), QStringLiteral("AC on"), kNoClipColour);
-    antiClip_->setToolTip(QStringLiteral("Anti-Clip: lights red while a band is turned down"));
 
     filterType_ = new QComboBox(this);
-    filterType_->setToolTip(QStringLiteral("Filter Type"));
     // Sorted, as the list shows them; "Gaussian" designs as "Bartlett" and
     // is not offered.
     filterType_->addItems({QStringLiteral("Bartlett"), QStringLiteral("Blackman"),
@@ -86,24 +82,18 @@ void CRynEqualizer::BuildControls() {
                            QStringLiteral("Rectangular")});
     filterType_->setCurrentText(QStringLiteral("Hanning"));
 
-    for (std::size_t i = 0; i < kBandCounts.size(); ++i) {
+    for (std::size_t i = 0; i < kBandCounts.size(); ++i)
         bandButtons_[i] = MakeCommand(this, QString::number(kBandCounts[i]));
-        bandButtons_[i]->setToolTip(QStringLiteral("%1 Bands").arg(kBandCounts[i]));
-    }
 
     taps_ = new CNiSlide(Qt::Horizontal, this);
-    taps_->setToolTip(QStringLiteral("Filter Taps Of The Selected Band"));
     taps_->SetAxis(1, dsp::eq::kMaxTaps);
     taps_->SetDiscreteStep(1);
     taps_->SetTickCount(5);
     tapsDisplay_ = MakeCommand(this, QStringLiteral("100"));
-    tapsDisplay_->setToolTip(QStringLiteral("Filter Taps"));
     reset_ = MakeCommand(this, QStringLiteral("reset->"));
-    reset_->setToolTip(QStringLiteral("Reset Filter Complexity"));
 
     for (int b = 0; b < kLevelSlides; ++b) {
         auto* s = new CNiSlide(Qt::Vertical, this);
-        s->setToolTip(QStringLiteral("Band %1 Level").arg(b));
         s->SetAxis(0.0, 1.0);
         s->SetTickCount(4);
         s->SetPointerCount(2);
@@ -117,11 +107,9 @@ void CRynEqualizer::BuildControls() {
     }
 
     selected_ = new CNiSlide(Qt::Horizontal, this);
-    selected_->setToolTip(QStringLiteral("Selected Band"));
     selected_->SetDiscreteStep(1);
     selected_->SetFillColor(QColor());
     isolate_ = MakeCommand(this, QStringLiteral("ISOLATE->"));
-    isolate_->setToolTip(QStringLiteral("Isolate The Selected Band"));
 }
 
 void CRynEqualizer::WireControls() {

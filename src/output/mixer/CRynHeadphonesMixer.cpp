@@ -10,6 +10,7 @@
 #include "controls/CNiSlide.h"
 #include "core/EngineState.h"
 #include "output/laws/MasterLine.h"
+#include "output/mixer/HeadphonesMixerComponents.h"
 #include "platform/sound/SoundDevice.h"
 #include "settings/CRynSettings.h"
 
@@ -36,6 +37,7 @@ CRynHeadphonesMixer::CRynHeadphonesMixer(QWidget* parent)
     Connect();
     status_->setText(QStringLiteral("No headphones device"));
     resize(300, 300);
+    RegisterHeadphonesMixerComponents(*this);
 }
 
 CRynHeadphonesMixer::~CRynHeadphonesMixer() {

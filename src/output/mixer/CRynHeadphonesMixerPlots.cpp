@@ -42,12 +42,6 @@ void CRynHeadphonesMixer::ShapePlot(int which) {
         plot->SetXRange(0, kBarColumns + 1);
         plot->SetYRange(0, bothEars ? kBothEarsTop : kBothEarsTop / 2);
     }
-    const QString ear = bothEars     ? QStringLiteral("both ears")
-                        : which == 0 ? QStringLiteral("left ear")
-                                     : QStringLiteral("right ear");
-    plot->setToolTip(
-        QStringLiteral("Headphones Plot: %1, %2.")
-            .arg(ear, scope ? QStringLiteral("scope") : QStringLiteral("band levels")));
 }
 
 bool CRynHeadphonesMixer::WantsScope() const {

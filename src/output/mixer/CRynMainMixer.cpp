@@ -20,6 +20,7 @@
 #include "dsp/window/CRyn3DGraph.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
+#include "output/mixer/MainMixerComponents.h"
 #include "output/mixer/MixerMeters.h"
 #include "platform/sound/SoundSystem.h"
 #include "playlist/window/CRynPlayList.h"
@@ -46,6 +47,7 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     meters_ = new MixerMeters(this);
     layout->addWidget(meters_);
     resize(340, 420);
+    RegisterMainMixerComponents(*this);
 
     mainWatch_.onLost = [this](const std::string& description) { OnMainDeviceLost(description); };
     mainWatch_.onBack = [this](const std::string&) { OnMainDeviceBack(); };

@@ -58,21 +58,16 @@ MixerMeters::MixerMeters(QWidget* parent) : QWidget(parent) {
     }
     auto* sys = new QHBoxLayout;
     cpuText_ = new QLabel(QStringLiteral("0 %"), this);
-    cpuText_->setToolTip(QStringLiteral("CPU Usage: the processor load in percent."));
     cpu_ = new CNiSlide(Qt::Horizontal, this);
     cpu_->SetAxis(0.0, 100.0);
     cpu_->SetPointerInteractive(0, false);
     cpu_->setFixedHeight(16);
-    cpu_->setToolTip(cpuText_->toolTip());
     overload_ = new CNiButton(this);
     overload_->SetStyle(CNiButton::kRoundLamp);
     overload_->SetAction(CNiButton::kIndicator);
     overload_->SetColors(kGreenOn, kGreenOff);
     overload_->SetCaption(QStringLiteral("0"));
     overload_->setFixedSize(20, 20);
-    overload_->setToolTip(QStringLiteral(
-        "System Overload Monitor LED: blinks while the program keeps up; red, with the backlog, "
-        "when it falls behind."));
     sys->addWidget(new QLabel(QStringLiteral("CPU"), this));
     sys->addWidget(cpuText_);
     sys->addWidget(cpu_, 1);
@@ -81,10 +76,8 @@ MixerMeters::MixerMeters(QWidget* parent) : QWidget(parent) {
 }
 
 void MixerMeters::BuildDeck(int d) {
-    const QString name = d == 0 ? QStringLiteral("A") : QStringLiteral("B");
     enable_[d] = new CNiButton(QStringLiteral("M"), QStringLiteral("M"), this);
     enable_[d]->setFixedSize(22, 18);
-    enable_[d]->setToolTip(QStringLiteral("Enable Deck %1 Meters Button").arg(name));
     enable_[d]->SetValue(true);
     connect(enable_[d], &CNiButton::valueChanged, this, [this, d](bool on) {
         if (onEnableMeters)
@@ -93,23 +86,19 @@ void MixerMeters::BuildDeck(int d) {
     rms_[d] = new QLabel(QStringLiteral("0.0"), this);
     rms_[d]->setFixedWidth(36);
     rms_[d]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    rms_[d]->setToolTip(QStringLiteral("Deck %1 RMS Value").arg(name));
     rms_[d]->installEventFilter(this);
     for (int i = 0; i < kDecibelLamps; ++i) {
         CNiButton* l = i < 4   ? Lamp(this, kGreenOn, kGreenOff)
                        : i < 8 ? Lamp(this, kYellowOn, kYellowOff)
                                : Lamp(this, kRedOn, kRedOff);
-        l->setToolTip(QStringLiteral("Deck %1 Decibel Meter").arg(name));
         l->installEventFilter(this);
         decibelLamps_[d][i] = l;
     }
     beatLed_[d] = Lamp(this, colours_[d][1], colours_[d][1], 14);
     beatLed_[d]->SetStyle(CNiButton::kRoundLamp);
     beatLed_[d]->SetValue(true);
-    beatLed_[d]->setToolTip(QStringLiteral("Deck %1 Beat LED").arg(name));
     for (int i = 0; i < kBeatLamps; ++i) {
         CNiButton* l = Lamp(this, colours_[d][0], colours_[d][1], 8);
-        l->setToolTip(QStringLiteral("Deck %1 Beat Meter").arg(name));
         l->installEventFilter(this);
         beatLamps_[d][i] = l;
     }
@@ -197,8 +186,6 @@ void MixerMeters::ShapeGraph(int deck) {
         g->SetPlotStyle(0, CNiGraph::kBars);
         g->SetYRange(0, 280000);
     }
-    g->setToolTip(QStringLiteral("Deck %1 %2 graph: right-click switches bars and scope.")
-                      .arg(deck == 0 ? QStringLiteral("A") : QStringLiteral("B"), GraphType(deck)));
 }
 
 void MixerMeters::ShowScope(int deck, std::span<const double> trace) {

@@ -78,6 +78,10 @@ class MixerMeters : public QWidget {
     CNiButton* BeatLed(int deck) const { return beatLed_[deck]; }
     CNiButton* OverloadLamp() const { return overload_; }
     CNiGraph* BandGraph(int deck) const { return graphs_[deck]; }
+    QLabel* RmsLabel(int deck) const { return rms_[deck]; }
+    QLabel* BpmLabel(int deck) const { return bpm_[deck]; }
+    QLabel* CpuLabel() const { return cpuText_; }
+    CNiSlide* CpuSlide() const { return cpu_; }
     QString CpuText() const;
     double CpuValue() const;
     QString BpmText(int deck) const;

@@ -245,19 +245,6 @@ TEST(DeckTempoPanel, ResetToggleRoundTrip) {
     EXPECT_EQ(Engine().decks[0].outputFrequency.load(), at35);
 }
 
-TEST(DeckTempoPanel, ToolTipsNameEachDecksKeys) {
-    PanelUnderTest a(0);
-    EXPECT_TRUE(a.panel.TempoSlide()->toolTip().contains("'Q', 'W', 'E' and 'R'"));
-    EXPECT_TRUE(a.panel.SpindleSlide()->toolTip().contains("'F' and 'V'"));
-    EXPECT_TRUE(a.panel.UpButton()->toolTip().contains("'Shift-F'"));
-    EXPECT_TRUE(a.panel.DownButton()->toolTip().contains("'Shift-V'"));
-    PanelUnderTest b(1);
-    EXPECT_TRUE(b.panel.TempoSlide()->toolTip().contains("'U', 'I', 'O' and 'P'"));
-    EXPECT_TRUE(b.panel.SpindleSlide()->toolTip().contains("';' and '/'"));
-    EXPECT_TRUE(b.panel.UpButton()->toolTip().contains("'Shift-J'"));
-    EXPECT_TRUE(b.panel.DownButton()->toolTip().contains("'Shift-M'"));
-}
-
 TEST(DeckTempoPanel, RendersToPng) {
     PanelUnderTest t(1);
     t.panel.SetDeckColours(QColor(255, 160, 30), QColor(110, 60, 10));
