@@ -14,6 +14,7 @@
 #include "TestSupport.h"
 #include "controls/CNiButton.h"
 #include "controls/CNiControl.h"
+#include "controls/CNiGraph.h"
 #include "controls/CNiKnob.h"
 #include "controls/CNiSlide.h"
 #include "core/ComponentRows.h"
@@ -96,8 +97,9 @@ void ExpectComplete(CRynWindow& window, const QString& name) {
         EXPECT_GT(r.Description(k).size(), 20);
         EXPECT_TRUE(r.Description(k).endsWith('.') || r.Description(k).endsWith(".)"));
         EXPECT_EQ(c->toolTip(), r.Label(k));
-        if (k > 0 && r.Title(k) == r.Title(k - 1))
+        if (k > 0 && r.Title(k) == r.Title(k - 1)) {
             EXPECT_EQ(r.Description(k), r.Description(k - 1)) << "one section, two texts";
+        }
         const ComponentRegistry::Place p = r.Placed(k);
         EXPECT_GE(p.x, 0.0f);
         EXPECT_GE(p.y, 0.0f);
