@@ -1,5 +1,7 @@
 #include "playlist/BoundedTagFile.h"
 
+#include "playlist/Id3Scan.h"
+
 #include <fileref.h>
 #include <flacfile.h>
 #include <id3v2frame.h>
@@ -26,7 +28,9 @@ class BoundedFileStream : public TagLib::FileStream {
 
 // Thrown from inside TagLib's ID3v2 parse to stop it before it inflates a
 // frame too large to trust; caught in ReadBoundedTagTitle. TagLib does not
-// free what it had built of that tag (a few kilobytes, once per refused file).
+// free what it had built of that tag (a few kilobytes), so the scan before
+// the parse refuses such files first: this is the guard for a tag the scan
+// does not find (one later in an MP3 stream).
 struct TagRefused {};
 
 // The ID3v2 frame header type is protected inside Frame; a subclass names it.
@@ -60,6 +64,9 @@ std::string TitleOf(TagLib::File* file) {
 }  // namespace
 
 bool ReadBoundedTagTitle(const std::string& path, std::string* title) {
+    if (FileHasOversizedCompressedFrame(path, kMaxCompressedFrameBytes,
+                                        static_cast<std::uint32_t>(kMaxTagReadBytes)))
+        return false;
     BoundedFileStream stream(path);
     if (!stream.isOpen())
         return false;

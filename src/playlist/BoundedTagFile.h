@@ -5,8 +5,8 @@
 //   reads as damaged, not as gigabytes of memory);
 // - inflate a compressed ID3v2 frame without limit: deflate reaches about
 //   1000:1, so a compressed frame may be at most kMaxCompressedFrameBytes
-//   (at most some 64 MB inflated); a larger one refuses the file's ID3v2
-//   tag (MP3, FLAC) and its title is not read.
+//   (at most some 64 MB inflated); a larger one, in any ID3v2 tag (MP3,
+//   FLAC, the ID3 chunk of a WAV or AIFF file), refuses the file's title.
 #pragma once
 
 #include <memory>

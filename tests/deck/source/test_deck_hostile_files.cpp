@@ -109,25 +109,60 @@ QString HostileId3Mp3() {
     return Write("hostile-id3-100mb.mp3", tag + audio);
 }
 
-// An MP3 whose ID3v2.3 tag holds a zlib-compressed frame that inflates to
-// 200 MB of zeros (about 200 KB on disk). Made once: the child process finds
-// it and does not compress again.
-QString CompressedFrameMp3() {
-    const QString path = testsupport::FixtureDir() + "/hostile-zlib-frame.mp3";
-    if (QFileInfo::exists(path))
-        return path;
-    const QByteArray audio = ToneMp3();
-    if (audio.isEmpty())
-        return {};
-    const quint32 inflated = 200u << 20;
-    const QByteArray zlib = qCompress(QByteArray(qsizetype(inflated), '\0'), 9).mid(4);
+// An ID3v2.3 tag: a title frame, then a zlib-compressed frame that
+// inflates to `inflated` bytes of zeros (200 MB: about 200 KB stored), or the
+// title itself compressed when `inflated` is 0.
+QByteArray CompressedTag(quint32 inflated) {
     const QByteArray title = "\x03hostile title";
-    QByteArray frames = "TIT2" + Be32(quint32(title.size())) + QByteArray(2, '\0') + title +
-                        "TXXX" + Be32(quint32(zlib.size() + 4)) + QByteArray("\x00\x80", 2) +
-                        Be32(inflated) + zlib;
-    QByteArray tag =
-        "ID3" + QByteArray("\x03\x00\x00", 3) + SyncSafe(quint32(frames.size())) + frames;
-    return Write("hostile-zlib-frame.mp3", tag + audio);
+    const QByteArray plain = inflated ? QByteArray(qsizetype(inflated), '\0') : title;
+    const QByteArray zlib = qCompress(plain, 9).mid(4);
+    const QByteArray compressed = Be32(quint32(zlib.size() + 4)) + QByteArray("\x00\x80", 2) +
+                                  Be32(quint32(plain.size())) + zlib;
+    const QByteArray frames = inflated ? "TIT2" + Be32(quint32(title.size())) +
+                                             QByteArray(2, '\0') + title + "TXXX" + compressed
+                                       : "TIT2" + compressed;
+    return "ID3" + QByteArray("\x03\x00\x00", 3) + SyncSafe(quint32(frames.size())) + frames;
+}
+
+// The hostile compressed tag, made once: the child processes find it.
+QByteArray HostileCompressedTag() {
+    const QString path = testsupport::FixtureDir() + "/hostile-zlib-tag.id3";
+    QFile f(path);
+    if (f.open(QIODevice::ReadOnly))
+        return f.readAll();
+    const QByteArray tag = CompressedTag(200u << 20);
+    return Write("hostile-zlib-tag.id3", tag).isEmpty() ? QByteArray() : tag;
+}
+
+// An MP3 behind the hostile compressed tag.
+QString CompressedFrameMp3() {
+    const QByteArray audio = ToneMp3();
+    const QByteArray tag = HostileCompressedTag();
+    return audio.isEmpty() || tag.isEmpty() ? QString()
+                                            : Write("hostile-zlib-frame.mp3", tag + audio);
+}
+
+// A sox tone as WAV or AIFF with `tag` as its ID3 chunk ("id3 " in a WAV,
+// "ID3 " in an AIFF) after the audio.
+QString ToneWithId3Chunk(const QString& name, const QByteArray& tag) {
+    const bool aiff = name.endsWith(QStringLiteral(".aiff"));
+    const QString tone = testsupport::FixtureDir() + "/hostile-tone" + (aiff ? ".aiff" : ".wav");
+    if (!QFileInfo::exists(tone) &&
+        !testsupport::Run("sox", {"-n", "-r", "44100", "-c", "2", "-b", "16", tone, "synth", "1",
+                                  "sine", "1000", "vol", "0.5"}))
+        return {};
+    QFile f(tone);
+    if (tag.isEmpty() || !f.open(QIODevice::ReadOnly))
+        return {};
+    QByteArray file = f.readAll();
+    if (file.size() % 2)
+        file += '\0';
+    const QByteArray padded = tag.size() % 2 ? tag + '\0' : tag;
+    file += aiff ? "ID3 " + Be32(quint32(tag.size())) + padded
+                 : "id3 " + Le32(quint32(tag.size())) + padded;
+    const QByteArray size = aiff ? Be32(quint32(file.size() - 8)) : Le32(quint32(file.size() - 8));
+    file.replace(4, 4, size);
+    return Write(name, file);
 }
 
 // A CUE sheet whose BIN is 4 GB long (a sparse file: it takes no disk).
@@ -234,4 +269,34 @@ TEST(DeckHostileFiles, CueSheetNamingA4GbBinIsRefused) {
     const QString cue = HugeBinCue();
     ASSERT_FALSE(cue.isEmpty());
     ExpectAnswerWithinMemory([&] { return LoadDiscMessage(cue); }, "There is no CD in the Drive.");
+}
+
+TEST(DeckHostileFiles, CompressedTagFrameInAWavOrAiffChunkIsNotInflated) {
+    for (const QString& name :
+         {QStringLiteral("hostile-zlib.wav"), QStringLiteral("hostile-zlib.aiff")}) {
+        SCOPED_TRACE(name.toStdString());
+        const QString file = ToneWithId3Chunk(name, HostileCompressedTag());
+        ASSERT_FALSE(file.isEmpty());
+        ExpectAnswerWithinMemory(
+            [&] {
+                std::string title;
+                return ReadTagTitle(file.toStdString(), &title) ? title : std::string("refused");
+            },
+            "refused");
+        EXPECT_EQ(LoadFileMessage(file.toStdString()), "");
+    }
+}
+
+TEST(DeckHostileFiles, SmallCompressedTitleInAnyTagIsRead) {
+    const QByteArray tag = CompressedTag(0);
+    const QByteArray audio = ToneMp3();
+    ASSERT_FALSE(audio.isEmpty());
+    for (const QString& file :
+         {Write("zlib-title.mp3", tag + audio), ToneWithId3Chunk("zlib-title.wav", tag),
+          ToneWithId3Chunk("zlib-title.aiff", tag)}) {
+        SCOPED_TRACE(file.toStdString());
+        std::string title;
+        EXPECT_TRUE(ReadTagTitle(file.toStdString(), &title));
+        EXPECT_EQ(title, "hostile title");
+    }
 }
