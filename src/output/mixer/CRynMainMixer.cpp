@@ -20,6 +20,7 @@
 #include "dsp/window/CRyn3DGraph.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
+#include "output/mixer/MainMixerRecording.h"
 #include "output/mixer/MixerMeters.h"
 #include "platform/sound/SoundSystem.h"
 #include "playlist/window/CRynPlayList.h"
@@ -43,6 +44,9 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     layout->setSpacing(0);
     layout->addWidget(deviceNotice_);
     layout->addWidget(panel_);
+    recording_ = new MainMixerRecording(&mainOutput_, &Settings(), this);
+    layout->addWidget(recording_);
+    recording_->Register(Registry(), this);
     meters_ = new MixerMeters(this);
     layout->addWidget(meters_);
     resize(340, 420);
@@ -68,6 +72,7 @@ CRynMainMixer::~CRynMainMixer() {
     closing_ = true;
     // Threads still waiting are stopped and joined before the window goes.
     notify_.JoinAll();
+    recording_->Stop();  // the file is closed while the main output still exists
     mainOutput_.ReleaseAll();
     if (Engine().mainMixerWindow == Handle())
         Engine().mainMixerWindow = 0;
