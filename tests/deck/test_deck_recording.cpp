@@ -78,6 +78,8 @@ TEST(DeckRecording, SixtySecondsOfBothDecksAreBitExactWithTheDevice) {
     rig.Mixer().show();
     MainMixerRecording& rec = rig.Mixer().Recording();
     EXPECT_EQ(rec.RecButton()->Caption(), "REC");
+    rec.FormatButton()->SetValue(false);
+    EXPECT_EQ(rec.FormatButton()->Caption(), "WAV");
     Click(rec.RecButton());
     ASSERT_TRUE(rec.Recording()) << rec.NoticeText().toStdString();
     EXPECT_TRUE(rec.RecButton()->Value());
