@@ -29,6 +29,11 @@ MainMixerRecording::MainMixerRecording(CRynAudioOutput* output, CRynSettings* se
                                        QWidget* parent)
     : QWidget(parent), output_(output), settings_(settings) {
     setObjectName(QStringLiteral("MainMixerRecording"));
+    // The panel's dark face, so the strip reads as part of the mixer above.
+    setAutoFillBackground(true);
+    QPalette face = palette();
+    face.setColor(QPalette::Window, control_look::PanelColor());
+    setPalette(face);
     rec_ = new CNiButton(QStringLiteral("REC"), QStringLiteral("REC"), this);
     rec_->setObjectName(QStringLiteral("Main Mixer Record Button"));
     rec_->SetStyle(CNiButton::kLedButton);
