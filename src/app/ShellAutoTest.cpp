@@ -18,6 +18,7 @@
 #include "deck/source/DeckSource.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynMainMixer.h"
+#include "output/mixer/MainMixerRecording.h"
 #include "output/mixer/MixerMeters.h"
 #include "platform/PlatformLayers.h"
 #include "platform/sound/SoundDevice.h"
@@ -88,6 +89,22 @@ void ArmAutoTest(CMixoraDlg& host) {
             ShellLog(QStringLiteral("deck A graphs drawn %1 rms %2")
                          .arg(h->MainMixer()->MeterDraws(0))
                          .arg(h->MainMixer()->Meters().RmsText(0)));
+            h->MainMixer()->close();
+        });
+    } else if (script == QLatin1String("record")) {
+        // Deck A plays the file of the command line while the mixer's REC
+        // button records two seconds of it.
+        QTimer::singleShot(400, h, [h] {
+            h->MainMixer()->Deck(0)->DropNeedle();
+            h->MainMixer()->Recording().RecButton()->SetValue(true);
+        });
+        QTimer::singleShot(2400, h, [h] {
+            MainMixerRecording& rec = h->MainMixer()->Recording();
+            rec.RecButton()->SetValue(false);
+            ShellLog(QStringLiteral("record %1 time %2 lost %3")
+                         .arg(rec.FilePath(), rec.TimeText())
+                         .arg(rec.Recorder().LostFrames()));
+            ShellLog(QStringLiteral("record notice %1").arg(rec.NoticeText()));
             h->MainMixer()->close();
         });
     } else if (script == QLatin1String("play-both")) {

@@ -21,6 +21,9 @@
 //                  deck B: 12 bands, "Hamming"), then closes the main mixer;
 //   "eq-report":   logs each equalizer window's state once a delayed
 //                  12-band change would have come, then closes the mixer;
+//   "record":      deck A plays its command-line file while the main mixer's
+//                  REC button records two seconds; "record" lines log the
+//                  file, its time, lost frames and the notice; then closes;
 //   "play-both":   once both decks hold the tracks of the command line, logs
 //                  "both tracks loaded", turns on both equalizers with 12
 //                  bands, shows both decks' scopes ($MIXORA_AUTOTEST_GRAPH

@@ -27,31 +27,55 @@ SoundStatus CRynAudioOutput::OpenDevice(const std::string& deviceName, const std
                                         WindowHandle window, bool use3D) {
     if (deviceName.empty())
         return kStatusOk;
+    UntapDevice();
     engine_.reset();
     engine_ = std::make_unique<CRynSoundEngine>();
     window_ = window;
     const SoundStatus s = engine_->Open(deviceId, use3D);
     if (s == kStatusOk)
         engine_->Device()->SetMasterGain(masterLeft_, masterRight_);
+    TapDevice();
     return s;
 }
 
 SoundStatus CRynAudioOutput::OpenDevice(std::unique_ptr<sound::SoundDevice> device,
                                         WindowHandle window) {
+    UntapDevice();
     engine_.reset();
     engine_ = std::make_unique<CRynSoundEngine>();
     window_ = window;
     const SoundStatus s = engine_->Open(std::move(device));
     if (s == kStatusOk)
         engine_->Device()->SetMasterGain(masterLeft_, masterRight_);
+    TapDevice();
     return s;
 }
 
 void CRynAudioOutput::CloseDevice() {
+    UntapDevice();
     engine_.reset();
 }
 
+void CRynAudioOutput::SetMixTap(sound::MixTap* tap) {
+    if (tap == tap_)
+        return;
+    UntapDevice();
+    tap_ = tap;
+    TapDevice();
+}
+
+void CRynAudioOutput::UntapDevice() {
+    if (tap_ && engine_ && engine_->Device())
+        engine_->Device()->SetTap(nullptr);
+}
+
+void CRynAudioOutput::TapDevice() {
+    if (tap_ && engine_ && engine_->Device())
+        engine_->Device()->SetTap(tap_);
+}
+
 std::unique_ptr<CRynSoundEngine> CRynAudioOutput::DetachEngine() {
+    UntapDevice();
     if (engine_)
         engine_->ReleaseAll();
     return std::move(engine_);

@@ -61,6 +61,13 @@ class CRynAudioOutput {
     CRynSoundEngine* SoundEngine() { return engine_.get(); }
     sound::SoundDevice* Device() { return engine_ ? engine_->Device() : nullptr; }
     WindowHandle DeviceWindow() const { return window_; }
+    // A listener on this output's finished mix (the recorder; nullptr:
+    // none). It follows the output from device to device: it is taken off a
+    // device before that device is closed or handed away, and put on every
+    // device opened after. When SetMixTap returns, no mix pass is inside the
+    // previous listener any more.
+    void SetMixTap(sound::MixTap* tap);
+    sound::MixTap* MixTap() const { return tap_; }
 
     // (Re)creates the deck's forward and reverse rings (silent, stopped).
     SoundStatus CreateDeckBuffers(int deck, int rate = 44100, bool withNotify = true);
@@ -169,7 +176,13 @@ class CRynAudioOutput {
     // `bytes` rounded down to a frame; negative: kStatusInvalidParam.
     static SoundStatus SetPosition(sound::SoundBuffer* buffer, int bytes);
 
+    // Takes the listener off the current device (before it goes).
+    void UntapDevice();
+    // Puts the listener on a device just opened.
+    void TapDevice();
+
     std::unique_ptr<CRynSoundEngine> engine_;
+    sound::MixTap* tap_ = nullptr;
     WindowHandle window_ = 0;
     std::array<std::int64_t, kDeckCount> blocksWritten_{};
     std::array<int, kDeckCount> requestedFrequency_{44100, 44100};

@@ -21,6 +21,7 @@
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
 #include "output/mixer/MainMixerComponents.h"
+#include "output/mixer/MainMixerRecording.h"
 #include "output/mixer/MixerMeters.h"
 #include "platform/sound/SoundSystem.h"
 #include "playlist/window/CRynPlayList.h"
@@ -44,10 +45,13 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     layout->setSpacing(0);
     layout->addWidget(deviceNotice_);
     layout->addWidget(panel_);
+    recording_ = new MainMixerRecording(&mainOutput_, &Settings(), this);
+    layout->addWidget(recording_);
     meters_ = new MixerMeters(this);
     layout->addWidget(meters_);
     resize(340, 420);
     RegisterMainMixerComponents(*this);
+    recording_->Register(Registry(), this);
 
     mainWatch_.onLost = [this](const std::string& description) { OnMainDeviceLost(description); };
     mainWatch_.onBack = [this](const std::string&) { OnMainDeviceBack(); };
@@ -70,6 +74,7 @@ CRynMainMixer::~CRynMainMixer() {
     closing_ = true;
     // Threads still waiting are stopped and joined before the window goes.
     notify_.JoinAll();
+    recording_->Stop();  // the file is closed while the main output still exists
     mainOutput_.ReleaseAll();
     if (Engine().mainMixerWindow == Handle())
         Engine().mainMixerWindow = 0;

@@ -30,6 +30,7 @@
 
 class CRynDeck;
 class CRynHeadphonesMixer;
+class MainMixerRecording;
 class CRyn3DGraph;
 class MixerMeters;
 class QLabel;
@@ -64,6 +65,8 @@ class CRynMainMixer : public CRynWindow {
     CRynAudioOutput& MainOutput() { return mainOutput_; }
     // Deck levels, cross fader and curve, main volume and balance, auto-pan.
     MainMixerPanel& Panel() { return *panel_; }
+    // The "REC" button and the recording of the main output.
+    MainMixerRecording& Recording() { return *recording_; }
     MixCycle& Cycle() { return cycle_; }
     // The headphones output the cycle also writes to (null: none).
     void SetHeadphonesOutput(CRynAudioOutput* output);
@@ -191,6 +194,7 @@ class CRynMainMixer : public CRynWindow {
     std::array<int, 2> drives_{-1, -1};
     bool buildingLayout_ = true;
     MainMixerPanel* panel_ = nullptr;
+    MainMixerRecording* recording_ = nullptr;
     NotifyThreads notify_;
     // Set first in the destructor: deck messages still queued then (joining
     // the threads pumps them) find the decks and headphones already gone.

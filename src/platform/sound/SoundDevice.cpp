@@ -123,6 +123,10 @@ SoundStatus SoundDevice::CreateBuffer(const BufferDesc& desc,
     return kStatusOk;
 }
 
+void SoundDevice::SetTap(MixTap* tap) {
+    mixer_->SetTap(tap);
+}
+
 void SoundDevice::SetMasterGain(int leftPercent, int rightPercent) {
     mixer_->SetMasterGain(leftPercent, rightPercent);
 }

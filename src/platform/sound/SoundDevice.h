@@ -24,6 +24,7 @@
 
 namespace sound {
 
+class MixTap;
 class SoundMixer;
 
 class SoundDevice {
@@ -54,6 +55,9 @@ class SoundDevice {
 
     // A silent, stopped buffer at position 0, volume 0, pan 0.
     SoundStatus CreateBuffer(const BufferDesc& desc, std::unique_ptr<SoundBuffer>* buffer);
+
+    // The listener on the finished mix (nullptr: none); see SoundMixer::SetTap.
+    void SetTap(MixTap* tap);
 
     // Gain after the mix, per channel, 0..100 percent of full amplitude (the
     // main mixer's main volume and balance).

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <thread>
 
 #include "core/SyncEvent.h"
 #include "core/ThreadRole.h"
@@ -105,8 +106,19 @@ void SoundMixer::SetMasterGain(int leftPercent, int rightPercent) {
     masterRight_.store(std::clamp(rightPercent, 0, 100) / 100.0f, std::memory_order_relaxed);
 }
 
+void SoundMixer::SetTap(MixTap* tap) {
+    AssertNotAudioThread("SoundMixer::SetTap");
+    tap_.store(tap);
+    // A pass that may still hold the old tap ends within one period.
+    const std::uint64_t snapshot = mixGate_.Snapshot();
+    while (!mixGate_.Passed(snapshot))
+        std::this_thread::yield();
+}
+
 void SoundMixer::Mix(std::int16_t* out, int frames) {
     mixGate_.Enter();
+    std::int16_t* const first = out;
+    const int total = frames;
     const MixScratch scratch{gainLeft_.data(), gainRight_.data(), effectFrames_.data()};
     while (frames > 0) {
         const int n = std::min(frames, kMaxMixFrames);
@@ -150,6 +162,8 @@ void SoundMixer::Mix(std::int16_t* out, int frames) {
         frames -= n;
         rendered_.fetch_add(static_cast<std::uint64_t>(n), std::memory_order_relaxed);
     }
+    if (MixTap* tap = tap_.load(std::memory_order_acquire); tap != nullptr && total > 0)
+        tap->OnMixed(first, total);
     mixGate_.Leave();
 }
 

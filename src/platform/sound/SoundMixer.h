@@ -21,6 +21,7 @@
 #include <mutex>
 #include <vector>
 
+#include "platform/sound/MixTap.h"
 #include "platform/sound/ReaderGate.h"
 #include "platform/sound/SoundStatus.h"
 #include "platform/sound/SoundTypes.h"
@@ -52,6 +53,11 @@ class SoundMixer {
     // UI: gain after the mix, per channel, 0..100 percent of full amplitude.
     void SetMasterGain(int leftPercent, int rightPercent);
 
+    // UI: the tap that is given every mixed span (nullptr: none). When it
+    // returns, no mix pass is inside the previous tap any more, so that one
+    // may be destroyed.
+    void SetTap(MixTap* tap);
+
     // Audio thread: renders `frames` frames into `out`: interleaved 16-bit
     // stereo (a mono format puts the same signal on both channels).
     void Mix(std::int16_t* out, int frames);
@@ -78,6 +84,7 @@ class SoundMixer {
     ReaderGate serviceGate_;
     std::atomic<float> masterLeft_{1.0f}, masterRight_{1.0f};
     std::atomic<std::uint64_t> rendered_{0};
+    std::atomic<MixTap*> tap_{nullptr};
 
     // Audio thread only.
     std::vector<float> accum_, gainLeft_, gainRight_, effectFrames_;
