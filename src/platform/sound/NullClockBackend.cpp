@@ -40,7 +40,8 @@ class NullClockBackend : public SoundBackend {
     void Loop(SoundMixer* mixer, std::atomic<std::uint64_t>* underruns) {
         using Clock = std::chrono::steady_clock;
         // The period's memory is taken before the thread becomes the audio thread.
-        std::vector<std::int16_t> out(static_cast<std::size_t>(periodFrames_) * format_.channels);
+        // The mixer always renders stereo, a mono format on both channels.
+        std::vector<std::int16_t> out(static_cast<std::size_t>(periodFrames_) * 2);
         MarkAudioThread();
         const auto period = std::chrono::duration_cast<Clock::duration>(
             std::chrono::duration<double>(static_cast<double>(periodFrames_) / format_.rate));
