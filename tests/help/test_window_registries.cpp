@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "TestSupport.h"
+#include "controls/CNiSlide.h"
 #include "core/EngineState.h"
 #include "help/GuidePages.h"
 #include "playlist/DefaultPlayList.h"
