@@ -11,6 +11,7 @@
 #include "app/SettingsPrompts.h"
 #include "app/ShellAutoTest.h"
 #include "app/SignalShutdown.h"
+#include "app/UserGuide.h"
 #include "core/Trace.h"
 
 namespace {
@@ -72,5 +73,8 @@ int CMixoraApp::Run(int argc, char** argv) {
         PostAppMessageRetry(host.Handle(), UWM_SHUTDOWN, 0, 0);
     });
     ArmAutoTest(host);
-    return QApplication::exec();
+    if (!cl.writeGuide.isEmpty())
+        ArmGuideWriting(host, cl.writeGuide);
+    const int code = QApplication::exec();
+    return GuideWritingFailed() ? 1 : code;
 }

@@ -11,11 +11,15 @@
 
 #include "app/CMixoraApp.h"
 #include "app/CRynKeyboard.h"
+#include "app/DiagnosticsPanel.h"
+#include "app/HostMenu.h"
 #include "app/KeyboardControl.h"
 #include "app/KeyboardPollThread.h"
 #include "app/ProgressLamp.h"
 #include "app/ScreenMode.h"
 #include "app/ShellLog.h"
+#include "app/StartUpHelp.h"
+#include "app/UserGuide.h"
 #include "controls/CNiButton.h"
 #include "core/CRynWindow.h"
 #include "core/EngineState.h"
@@ -26,6 +30,7 @@
 #include "deck/transport/DeckTransport.h"
 #include "dsp/window/CRyn3DGraph.h"
 #include "dsp/window/CRynEqualizer.h"
+#include "help/ToolTipGate.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "playlist/window/CRynPlayList.h"
@@ -129,6 +134,7 @@ CMixoraDlg::~CMixoraDlg() {
     cdAudio_.reset();
     if (layersUp_)
         layers_->ReleaseSound();
+    SetUserGuideHost(nullptr);
     UnregisterReceiver(handle_);
     if (e.mainDialogWindow == handle_)
         e.mainDialogWindow = 0;
@@ -182,7 +188,8 @@ bool CMixoraDlg::StartUp() {
     raise();
     ShellLog(QStringLiteral("host parked off-screen"));
 
-    // The splash screen comes with the help windows.
+    ShowSplashScreen(this);
+    ToolTipGate::Install();
 
     // The sound and media layers must work, or there is nothing to do.
     const QString problem = CheckPlatformLayers(*layers_);
@@ -319,7 +326,12 @@ bool CMixoraDlg::StartUp() {
     mainMixer_->LayoutBuilt();
     ShellLog(QStringLiteral("windows shown"));
 
-    // The tip of the day comes with the help windows.
+    diagnostics_ = new DiagnosticsPanel(this);
+    hostMenu_ = new HostMenu(mainMixer_.get(), [this] {
+        diagnostics_->show();
+        diagnostics_->raise();
+    });
+    ShowTipOfTheDay(mainMixer_.get());
 
     const QStringList& files = CMixoraApp::CommandLineFiles();
     for (int d = 0; d < 2 && d < files.size(); ++d) {
@@ -331,6 +343,7 @@ bool CMixoraDlg::StartUp() {
         decks_[d]->OpenFiles({files[d]});
     }
 
+    SetUserGuideHost(this);
     e.appInitialised.store(1);
     ShellLog(QStringLiteral("running"));
     return true;
@@ -478,11 +491,16 @@ LResult CMixoraDlg::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
                 keyControl_->Handle(msg, wParam, lParam);
             return 0;
         case UWM_DECK_VALUE:
-            if (wParam < 2)
+            if (wParam < 2) {
                 deckValues_[wParam] = lParam;
+                if (diagnostics_)
+                    diagnostics_->DeckValue(static_cast<int>(wParam), lParam);
+            }
             return 0;
         case UWM_DIAGNOSTICS:
-            // The diagnostic texts show only while the host is on screen.
+            // The diagnostic texts follow only while they are on screen.
+            if (diagnostics_ && diagnostics_->isVisible())
+                diagnostics_->Refresh(static_cast<int>(wParam));
             return 0;
         case UWM_MINIMISE_ALL:
             e.allMinimised.store(1);

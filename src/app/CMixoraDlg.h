@@ -33,6 +33,8 @@ class CRynWindow;
 class KeyboardControl;
 class CRynConfigure;
 class ProgressLamp;
+class DiagnosticsPanel;
+class HostMenu;
 
 class CMixoraDlg : public QDialog, public MessageReceiver {
     Q_OBJECT
@@ -85,6 +87,10 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
     // The value a deck last reported with UWM_DECK_VALUE.
     LParam DeckValue(int deck) const { return deckValues_[deck]; }
     bool GraphsThreadRunning() const;
+    // The diagnostic texts and the menu with the about box (null before
+    // start-up).
+    DiagnosticsPanel* Diagnostics() const { return diagnostics_; }
+    HostMenu* Menu() const { return hostMenu_; }
 
     LResult OnAppMessage(Uwm msg, WParam wParam, LParam lParam) override;
 
@@ -142,4 +148,6 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
     QWidget* progress_ = nullptr;
     std::array<ProgressLamp*, 5> lamps_{};
     QLabel* status_ = nullptr;
+    DiagnosticsPanel* diagnostics_ = nullptr;  // owned as a child
+    HostMenu* hostMenu_ = nullptr;             // owned by the main mixer
 };

@@ -17,6 +17,11 @@ CommandLine ParseCommandLine(const QStringList& arguments) {
     const QCommandLineOption verbose(
         QStringLiteral("verbose"), QStringLiteral("Show the developer traces on standard error."));
     parser.addOption(verbose);
+    const QCommandLineOption writeGuide(
+        QStringLiteral("write-guide"),
+        QStringLiteral("Write the HTML user guide into <folder>, then quit."),
+        QStringLiteral("folder"));
+    parser.addOption(writeGuide);
     parser.addPositionalArgument(QStringLiteral("files"),
                                  QStringLiteral("Audio files (WAV, MP3, WMA, OGG): the first "
                                                 "for deck A, the second for deck B."),
@@ -46,6 +51,8 @@ CommandLine ParseCommandLine(const QStringList& arguments) {
         return cl;
     }
     cl.verbose = parser.isSet(verbose);
+    if (parser.isSet(writeGuide))
+        cl.writeGuide = QFileInfo(parser.value(writeGuide)).absoluteFilePath();
     for (const QString& f : parser.positionalArguments()) {
         cl.files << QFileInfo(f).absoluteFilePath();
     }

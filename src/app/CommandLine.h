@@ -13,6 +13,9 @@ struct CommandLine {
     QStringList files;
     // --verbose: the developer traces are shown (core/Trace.h).
     bool verbose = false;
+    // --write-guide DIR: write the HTML user guide into DIR (absolute path)
+    // once the windows are up, then shut down. Empty: run as usual.
+    QString writeGuide;
     // What to print for Help, Version and Error.
     QString text;
 };

@@ -1,5 +1,7 @@
 #include "app/KeyTargets.h"
 
+#include "app/UserGuide.h"
+
 #include "deck/CRynDeck.h"
 #include "deck/turntable/TurntableController.h"
 #include "dsp/window/CRynEqualizer.h"
@@ -42,5 +44,5 @@ bool ShowFullScreen() {
 }
 
 bool WriteUserGuide() {
-    return false;
+    return AskAndWriteUserGuide();
 }

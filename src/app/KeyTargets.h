@@ -4,8 +4,8 @@
 //     T G Y H N B Page Up Page Down);
 //   - the equalizer windows' band level slides (A Z S X D C, K , L . ; /);
 //   - the turntable's keyboard release (W and O let go);
-//   - Home (windows to their default places), End (full screen) and
-//     Ctrl+Shift+F5 (write the user guide), which do nothing yet.
+//   - Home (windows to their default places) and End (full screen), which
+//     do nothing yet, and Ctrl+Shift+F5 (write the user guide, UserGuide.h).
 // A null slide means the window has no such control (yet): the key does
 // nothing. User-interface thread only.
 #pragma once
@@ -28,7 +28,7 @@ CNiSlide* EqualizerBandSlide(CRynEqualizer* equalizer, int band);
 void TurntableKeyRelease(CRynDeck* deck);
 
 // The window commands of Home, End and Ctrl+Shift+F5. False: not done (the
-// layout and the user guide are not part of the program yet).
+// layout is not part of the program yet; the guide was cancelled or failed).
 bool ResetWindowPositions();
 bool ShowFullScreen();
 bool WriteUserGuide();

@@ -90,9 +90,11 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
     cycle_.BindOutputs(&mainOutput_, headphones_ ? &headphones_->Output() : cycle_.Headphones());
     if (headphones_) {
         CRynHeadphonesMixer* phones = headphones_;
-        cycle_.syncHeadphones = [phones](int deck, int cursor, double now, double rate) {
+        cycle_.syncHeadphones = [this, phones](int deck, int cursor, double now, double rate) {
             if (phones->IsActive())
                 phones->SyncToMain(deck, cursor, now, rate);
+            // The host's diagnostic texts follow the recorded values.
+            SendAppMessage(host_, UWM_DIAGNOSTICS, static_cast<WParam>(deck), 0);
         };
         panel_->onCurveChanged = [phones](float c) { phones->SetCurve(c); };
         phones->SetCurve(panel_->Curve());

@@ -62,6 +62,7 @@ CRynPlayList::CRynPlayList(QWidget* parent) : CRynWindow("CRynPlayList", kTempla
     list_.SetView(this);
     BuildControls();
     WireControls();
+    RegisterControls();
     SetModeTitle();
 }
 
@@ -97,9 +98,6 @@ void CRynPlayList::BuildControls() {
     rows_->header()->setStretchLastSection(false);
     rows_->header()->setSectionResizeMode(QHeaderView::Interactive);
     rows_->setColumnWidth(1, kTimeColumnWidth);
-    rows_->setToolTip(QStringLiteral(
-        "The Play List:\ntriange = Item is selected.\nblue object = Item is loaded in "
-        "deck.\ngreen object = Item is playing."));
 
     openList_ = MakeCommand(this, QStringLiteral("Open"), QStringLiteral("open list"));
     addFile_ = MakeCommand(this, QStringLiteral("Add Files"),

@@ -30,6 +30,7 @@
 //   CRynPlayList.cpp         controls, layout, modes, timers, messages, shutdown
 //   CRynPlayListRows.cpp     row fill, images, selection, clicks, durations, names
 //   CRynPlayListButtons.cpp  delete, move, search, files, folders and lists
+//   CRynPlayListRegistry.cpp the controls' titles, descriptions and tool tips
 #pragma once
 
 #include <QIcon>
@@ -180,6 +181,7 @@ class CRynPlayList : public CRynWindow, public PlayListView {
   private:
     void BuildControls();
     void WireControls();
+    void RegisterControls();
     void PlaceControls();
     void SetModeTitle();
     void ShowModeGroup();

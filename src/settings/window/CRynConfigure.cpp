@@ -45,7 +45,7 @@ CRynConfigure::CRynConfigure(QWidget* parent)
     setWindowTitle(QStringLiteral("Mixora Configuration"));
     BuildControls();
     LayOut();
-    SetToolTips();
+    RegisterControls();
     Connect();
     resize(500, 280);
 }

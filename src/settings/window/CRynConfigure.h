@@ -46,6 +46,7 @@ class CNiButton;
 class CNiSlide;
 class QCheckBox;
 class QComboBox;
+class QFrame;
 class QLabel;
 
 class CRynConfigure : public CRynWindow {
@@ -87,6 +88,7 @@ class CRynConfigure : public CRynWindow {
     CNiButton* TitleBarsButton() const { return titleBars_; }
     QCheckBox* TipOfTheDayBox() const { return tipOfTheDay_; }
     QCheckBox* SaveWindowPositionsBox() const { return savePositions_; }
+    QFrame* EqualizerGroup(int deck) const { return eqGroups_[deck == 1 ? 1 : 0]; }
 
     // Tests: the actual-latency refresh now.
     void RefreshActualLatency();
@@ -106,7 +108,7 @@ class CRynConfigure : public CRynWindow {
     void ApplyDevice(int output);
     void LoadSettings();
     void OnLatencyMoved(int deck, double v);
-    void SetToolTips();
+    void RegisterControls();
 
     WindowHandle mainMixer_ = 0;
     bool loading_ = false;  // controls set from the settings do not act
@@ -124,4 +126,5 @@ class CRynConfigure : public CRynWindow {
     CNiButton* titleBars_ = nullptr;
     QCheckBox* tipOfTheDay_ = nullptr;
     QCheckBox* savePositions_ = nullptr;
+    std::array<QFrame*, 2> eqGroups_{};  // each deck's equalizer controls
 };

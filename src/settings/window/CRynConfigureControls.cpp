@@ -2,6 +2,7 @@
 // connecting them to their events.
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFrame>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -104,36 +105,76 @@ void CRynConfigure::BuildControls() {
     savePositions_ = CheckBox(QStringLiteral("Save Window Positions"), this);
 }
 
-void CRynConfigure::SetToolTips() {
-    devices_[0]->setToolTip(QStringLiteral("Select sound device for the Main Mixer output."));
-    devices_[1]->setToolTip(QStringLiteral("Select sound device for the Headphones Mixer output."));
+void CRynConfigure::RegisterControls() {
+    ComponentRegistry& r = Registry();
+    auto reg = [this, &r](QWidget* control, const QString& title, const QString& description,
+                          const QString& label) {
+        r.Register(control, this, title, description, label);
+    };
+    reg(devices_[0], QStringLiteral("Main Sound Device Chooser:"),
+        QStringLiteral("Select sound device for the Main Mixer output."),
+        QStringLiteral("main sound device chooser"));
+    reg(devices_[1], QStringLiteral("Headphones Sound Device Chooser:"),
+        QStringLiteral("Select sound device for the Headphones Mixer output."),
+        QStringLiteral("headphones sound device chooser"));
+    for (int deck = 0; deck < 2; ++deck) {
+        reg(eqType_[deck],
+            deck == 0 ? QStringLiteral("Deck A EQ Type:") : QStringLiteral("Deck B EQ Type:"),
+            QStringLiteral("Switch between the Orvane and the Direct Sound Equalizer"),
+            QStringLiteral("change EQ type"));
+    }
+    // Both number type buttons carry deck A's title and description.
+    for (int deck = 0; deck < 2; ++deck) {
+        reg(eqNumbers_[deck], QStringLiteral("Deck A EQ Number Type:"),
+            QStringLiteral("Change the number type used by the Deck A Equalizer.  You can switch "
+                           "between between floats(32-bit) and ints(16-bit)"),
+            QStringLiteral("ints or floats for EQ"));
+    }
     for (int deck = 0; deck < 2; ++deck) {
         const QString d = deck == 0 ? QStringLiteral("A") : QStringLiteral("B");
-        eqType_[deck]->setToolTip(
-            QStringLiteral("Switch between the Orvane and the Direct Sound Equalizer"));
-        eqNumbers_[deck]->setToolTip(
-            QStringLiteral("Change the number type used by the Deck %1 Equalizer.  You can switch "
-                           "between between floats(32-bit) and ints(16-bit)")
-                .arg(d));
-        latency_[deck]->setToolTip(
-            QStringLiteral("Use this to adjust the delay of the Equalizer."));
-        latencyLabel_[deck]->setToolTip(QStringLiteral("Displays the equalizer delay in seconds."));
-        actual_[deck]->setToolTip(QStringLiteral("Shows the actual delay of the Equalizer."));
-        actualLabel_[deck]->setToolTip(
-            QStringLiteral("Shows the actual delay of the Equalizer in seconds."));
+        reg(latency_[deck], QStringLiteral("Deck %1 Equalizer Latency Setting:").arg(d),
+            QStringLiteral("Use this to adjust the delay of the Equalizer."),
+            QStringLiteral("deck %1 EQ delay").arg(d));
+        reg(latencyLabel_[deck], QStringLiteral("Deck %1 Equalizer Latency Value:").arg(d),
+            QStringLiteral("Displays the equalizer delay in seconds."),
+            QStringLiteral("deck %1 EQ delay seconds").arg(d));
     }
-    graphNumbers_->setToolTip(
+    for (int deck = 0; deck < 2; ++deck) {
+        const QString d = deck == 0 ? QStringLiteral("A") : QStringLiteral("B");
+        reg(actual_[deck], QStringLiteral("Actual Deck %1 Equalizer Latency Setting:").arg(d),
+            QStringLiteral("Shows the actual delay of the Equalizer."),
+            QStringLiteral("actual deck %1 EQ delay").arg(d));
+        reg(actualLabel_[deck],
+            deck == 0 ? QStringLiteral("Actual Deck A Equalizer Latency Value:")
+                      : QStringLiteral("Deck B Equalizer Latency Indicator:"),
+            QStringLiteral("Shows the actual delay of the Equalizer in seconds."),
+            QStringLiteral("actual deck %1 EQ delay seconds").arg(d));
+    }
+    for (int deck = 0; deck < 2; ++deck) {
+        const QString d = deck == 0 ? QStringLiteral("A") : QStringLiteral("B");
+        reg(eqGroups_[deck], QStringLiteral("Deck %1 Equalizer Settings:").arg(d),
+            QStringLiteral("All of these controls relate to the Deck %1 Equalizer.").arg(d),
+            QStringLiteral("deck %1 EQ settings").arg(d));
+    }
+    reg(graphNumbers_, QStringLiteral("Graphs And Meters Number Type:"),
         QStringLiteral("Change the number type used by the graphs and meters between "
-                       "floats(64-bit) and ints(32-bit)"));
-    scopeTrigger_->setToolTip(
-        QStringLiteral("The scope graph will attempt to lock down the waveform when this is on."));
-    toolTips_->setToolTip(
-        QStringLiteral("When on, helpful messages will appear over each control."));
-    titleBars_->setToolTip(QStringLiteral("Turn the window title bars on and off."));
-    tipOfTheDay_->setToolTip(
-        QStringLiteral("When checked, a tip of the day will appear at program start."));
-    savePositions_->setToolTip(
-        QStringLiteral("Save the postion of the windows for the next time you load Mixora."));
+                       "floats(64-bit) and ints(32-bit)"),
+        QStringLiteral("ints or floats for graphs"));
+    reg(scopeTrigger_, QStringLiteral("Scope Graph Triggering On/Off Button:"),
+        QStringLiteral("The scope graph will attempt to lock down the waveform when this is on."),
+        QStringLiteral("scope graph triggering on/off"));
+    reg(toolTips_, QStringLiteral("Tool Tips On/Off:"),
+        QStringLiteral("When on, helpful messages will appear over each control."),
+        QStringLiteral("tool tips on/off"));
+    reg(titleBars_, QStringLiteral("Title Bars On/Off:"),
+        QStringLiteral("Turn the window title bars on and off."),
+        QStringLiteral("title bars on/off"));
+    reg(tipOfTheDay_, QStringLiteral("Turn On Tip Of The Day:"),
+        QStringLiteral("When checked, a tip of the day will appear at program start."),
+        QStringLiteral("tip of the day on/off"));
+    reg(savePositions_, QStringLiteral("Save Window Positions:"),
+        QStringLiteral("Save the postion of the windows for the next time you load Mixora."),
+        QStringLiteral("when off, window positions reset at program start"));
 }
 
 void CRynConfigure::LayOut() {
@@ -154,7 +195,11 @@ void CRynConfigure::LayOut() {
     auto* decks = new QHBoxLayout;
     decks->setSpacing(8);
     for (int deck = 0; deck < 2; ++deck) {
-        auto* frame = new QGridLayout;
+        eqGroups_[deck] = new QFrame(this);
+        eqGroups_[deck]->setObjectName(
+            QStringLiteral("Deck %1 Equalizer Settings:").arg(deck == 0 ? 'A' : 'B'));
+        auto* frame = new QGridLayout(eqGroups_[deck]);
+        frame->setContentsMargins(0, 0, 0, 0);
         frame->setHorizontalSpacing(4);
         frame->setVerticalSpacing(2);
         const QString d = deck == 0 ? QStringLiteral("A") : QStringLiteral("B");
@@ -168,7 +213,7 @@ void CRynConfigure::LayOut() {
         frame->addWidget(actual_[deck], 3, 1);
         frame->addWidget(actualLabel_[deck], 3, 2);
         frame->setColumnStretch(1, 1);
-        decks->addLayout(frame, 1);
+        decks->addWidget(eqGroups_[deck], 1);
     }
     v->addLayout(decks);
 
