@@ -48,7 +48,10 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     resize(340, 420);
 
     mainWatch_.onLost = [this](const std::string& description) { OnMainDeviceLost(description); };
-    mainWatch_.onBack = [this](const std::string&) { OnMainDeviceBack(); };
+    mainWatch_.onBack = [this](const std::string&) {
+        OnMainDeviceBack();
+        Keep3DSound();
+    };
     mainWatch_.onBuffersRebuilt = [this](int deck) {
         // New buffers carry no settings: effects, gains, tempo and pans again.
         ApplyDeckEffects(deck);

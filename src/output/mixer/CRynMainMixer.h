@@ -193,6 +193,9 @@ class CRynMainMixer : public CRynWindow {
     // A deck's current band values (entries 0 … n) as the 3D graph's next row.
     void Feed3DGraph(int deck, std::span<const double> current);
     void Draw3DGraph();
+    // A device that came back opens in stereo: with 3D sound on, it is opened
+    // again in 3D once the watch is done with it.
+    void Keep3DSound();
 
     WindowHandle host_ = 0;
     std::array<CRynDeck*, 2> decks_{};

@@ -3,6 +3,8 @@
 // range (UWM_3D_GRAPH_VALUE), the 3D sound switch (UWM_CONFIG_REFRESH from
 // the 3D graph) and the listener position (UWM_LISTENER_POSITION), spread
 // over the speakers by the listener law.
+#include <QTimer>
+
 #include "controls/CNiSlide.h"
 #include "core/Trace.h"
 #include "deck/CRynDeck.h"
@@ -97,4 +99,14 @@ void CRynMainMixer::Draw3DGraph() {
         return;
     surfaceFed_ = false;
     graph3d_->PlotSurface(0);
+}
+
+void CRynMainMixer::Keep3DSound() {
+    if (!sound3D_)
+        return;
+    QTimer::singleShot(0, this, [this] {
+        sound::SoundDevice* device = mainOutput_.Device();
+        if (sound3D_ && device && !device->Listener())
+            Switch3DSound(true);
+    });
 }

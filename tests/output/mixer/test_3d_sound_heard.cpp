@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "TestSupport.h"
+#include "controls/CNiButton.h"
 #include "controls/CNiSlide.h"
 #include "deck/CRynDeck.h"
 #include "deck/DeckRig.h"
