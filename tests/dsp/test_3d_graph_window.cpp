@@ -18,6 +18,7 @@
 #include "controls/CNiGraph3D.h"
 #include "dsp/window/CRyn3DGraph.h"
 #include "platform/joystick/Joystick.h"
+#include "platform/joystick/VirtualJoystick.h"
 #include "settings/CRynSettings.h"
 
 using testsupport::MessageLog;
@@ -203,12 +204,9 @@ TEST(ThreeDGraphWindow, AVirtualJoystickPostsItsPositionEveryPoll) {
     EXPECT_EQ(rig.mixer.Count(UWM_LISTENER_POSITION), 0);
     EXPECT_EQ(rig.g.Position().x, 0);
 
-    const int index = SDL_JoystickAttachVirtual(SDL_JOYSTICK_TYPE_GAMECONTROLLER, 2, 0, 0);
-    ASSERT_GE(index, 0) << SDL_GetError();
-    SDL_Joystick* stick = SDL_JoystickOpen(index);
-    ASSERT_NE(stick, nullptr);
-    SDL_JoystickSetVirtualAxis(stick, 0, 16384);
-    SDL_JoystickSetVirtualAxis(stick, 1, -8192);
+    testsupport::VirtualJoystick stick;
+    ASSERT_TRUE(stick.Ok()) << SDL_GetError();
+    stick.Set(16384, -8192);
     // Plugged in while running: the timer's polls pick it up.
     rig.g.SetSoundMode(true);
     ASSERT_TRUE(
@@ -219,8 +217,6 @@ TEST(ThreeDGraphWindow, AVirtualJoystickPostsItsPositionEveryPoll) {
     EXPECT_EQ(rig.g.PositionPlot()->CursorX(0), 500.0);
     EXPECT_EQ(rig.g.PositionPlot()->CursorY(0), -250.0);
     rig.g.SetSoundMode(false);
-    SDL_JoystickClose(stick);
-    SDL_JoystickDetachVirtual(index);
     SDL_QuitSubSystem(SDL_INIT_JOYSTICK);
 }
 

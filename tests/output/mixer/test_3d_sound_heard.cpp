@@ -23,6 +23,7 @@
 #include "output/laws/ListenerLaw.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "platform/joystick/Joystick.h"
+#include "platform/joystick/VirtualJoystick.h"
 #include "platform/sound/SoundDevice.h"
 #include "settings/CRynSettings.h"
 
@@ -73,12 +74,9 @@ TEST(ThreeDSoundHeard, AJoystickMovesTheListenerAndTheOutputFollowsTheLaw) {
     EXPECT_NEAR(centre.second / centre.first, 1.0, 0.01) << "the centre: both speakers alike";
 
     // A joystick plugged in and pushed to (500, −250).
-    const int index = SDL_JoystickAttachVirtual(SDL_JOYSTICK_TYPE_GAMECONTROLLER, 2, 0, 0);
-    ASSERT_GE(index, 0) << SDL_GetError();
-    SDL_Joystick* stick = SDL_JoystickOpen(index);
-    ASSERT_NE(stick, nullptr);
-    SDL_JoystickSetVirtualAxis(stick, 0, 16384);
-    SDL_JoystickSetVirtualAxis(stick, 1, -8192);
+    testsupport::VirtualJoystick stick;
+    ASSERT_TRUE(stick.Ok()) << SDL_GetError();
+    stick.Set(16384, -8192);
     graph.SetSoundMode(true);  // the 50 ms polls start
     ASSERT_TRUE(testsupport::WaitFor([&] { return rig.Mixer().ListenerX() != 0.0f; }, 2000));
     EXPECT_EQ(rig.Mixer().ListenerX(), 500.0f);
@@ -102,8 +100,6 @@ TEST(ThreeDSoundHeard, AJoystickMovesTheListenerAndTheOutputFollowsTheLaw) {
     EXPECT_EQ(rig.Mixer().MainOutput().Device()->Listener(), nullptr);
     EXPECT_TRUE(rig.Mixer().MainOutput().SoundEngine()->Deck(0).forward != nullptr);
 
-    SDL_JoystickClose(stick);
-    SDL_JoystickDetachVirtual(index);
     SDL_QuitSubSystem(SDL_INIT_JOYSTICK);
 }
 

@@ -6,39 +6,9 @@
 #include <SDL2/SDL.h>
 
 #include "platform/joystick/Joystick.h"
+#include "platform/joystick/VirtualJoystick.h"
 
-namespace {
-
-// A virtual two-axis joystick, attached for the test's length; its own
-// handle sets the axes.
-class VirtualStick {
-  public:
-    VirtualStick() {
-        SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-        SDL_InitSubSystem(SDL_INIT_JOYSTICK);
-        index_ = SDL_JoystickAttachVirtual(SDL_JOYSTICK_TYPE_GAMECONTROLLER, 2, 0, 0);
-        if (index_ >= 0)
-            stick_ = SDL_JoystickOpen(index_);
-    }
-    ~VirtualStick() {
-        if (stick_)
-            SDL_JoystickClose(stick_);
-        if (index_ >= 0)
-            SDL_JoystickDetachVirtual(index_);
-        SDL_QuitSubSystem(SDL_INIT_JOYSTICK);
-    }
-    bool Ok() const { return stick_ != nullptr; }
-    void Set(Sint16 x, Sint16 y) {
-        SDL_JoystickSetVirtualAxis(stick_, 0, x);
-        SDL_JoystickSetVirtualAxis(stick_, 1, y);
-    }
-
-  private:
-    int index_ = -1;
-    SDL_Joystick* stick_ = nullptr;
-};
-
-}  // namespace
+using testsupport::VirtualJoystick;
 
 TEST(Joystick, AxesScaleToPlusMinusAThousand) {
     EXPECT_EQ(joystick::ScaleAxis(0), 0);
@@ -58,7 +28,7 @@ TEST(Joystick, NoDeviceGivesNoReadingAndOnePluggedInLaterIsPickedUp) {
     EXPECT_EQ(p.x, 7) << "no reading leaves the position alone";
 
     {
-        VirtualStick stick;
+        VirtualJoystick stick;
         ASSERT_TRUE(stick.Ok()) << SDL_GetError();
         stick.Set(16384, -8192);
         // The first poll acquires the device, the next one reads it.
