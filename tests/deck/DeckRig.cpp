@@ -63,7 +63,8 @@ std::int16_t NoiseSample(int frame, int channel) {
     return v == 0 ? std::int16_t(1) : v;
 }
 
-PlaybackRig::PlaybackRig(bool twoDecks, bool equalizers, CRynHeadphonesMixer* headphones) {
+PlaybackRig::PlaybackRig(bool twoDecks, bool equalizers, CRynHeadphonesMixer* headphones,
+                         CRyn3DGraph* graph3d) {
     ResetEngineStateForTest();
     Engine().mainDialogWindow = host_.Handle();
     mixer_ = std::make_unique<CRynMainMixer>();
@@ -77,7 +78,7 @@ PlaybackRig::PlaybackRig(bool twoDecks, bool equalizers, CRynHeadphonesMixer* he
         }
         decks_[d]->Initialise(nullptr, equalizers_[d].get(), nullptr, mixer_->Handle(), d);
     }
-    mixer_->Initialise(host_.Handle(), decks_[0].get(), decks_[1].get(), headphones, nullptr);
+    mixer_->Initialise(host_.Handle(), decks_[0].get(), decks_[1].get(), headphones, graph3d);
     // Unity for deck A: full levels, and the wedge curve gives the deck at
     // the fader's end all of its level.
     MainMixerPanel& panel = mixer_->Panel();

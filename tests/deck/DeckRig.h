@@ -16,6 +16,7 @@
 #include "core/CRynWindow.h"
 #include "core/EngineState.h"
 
+class CRyn3DGraph;
 class CRynDeck;
 class CRynEqualizer;
 class CRynHeadphonesMixer;
@@ -35,10 +36,10 @@ class PlaybackRig {
   public:
     // Resets the engine state, opens the manual Null device and creates the
     // decks (deck B only when twoDecks), each with its equalizer window when
-    // equalizers; the main mixer gets `headphones` (not owned) when one is
-    // given.
+    // equalizers; the main mixer gets `headphones` and `graph3d` (not owned)
+    // when given.
     explicit PlaybackRig(bool twoDecks = false, bool equalizers = false,
-                         CRynHeadphonesMixer* headphones = nullptr);
+                         CRynHeadphonesMixer* headphones = nullptr, CRyn3DGraph* graph3d = nullptr);
     ~PlaybackRig();
 
     CRynMainMixer& Mixer() { return *mixer_; }

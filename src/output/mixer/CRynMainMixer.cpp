@@ -54,7 +54,10 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     recording_->Register(Registry(), this);
 
     mainWatch_.onLost = [this](const std::string& description) { OnMainDeviceLost(description); };
-    mainWatch_.onBack = [this](const std::string&) { OnMainDeviceBack(); };
+    mainWatch_.onBack = [this](const std::string&) {
+        OnMainDeviceBack();
+        Keep3DSound();
+    };
     mainWatch_.onBuffersRebuilt = [this](int deck) {
         // New buffers carry no settings: effects, gains, tempo and pans again.
         ApplyDeckEffects(deck);
@@ -173,10 +176,10 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
     }
     panel_->SetMasterEnabled(true);
     qCDebug(lcTrace, "CRynMainMixer opens the main device %s", identifier.c_str());
-    if (mainOutput_.OpenDevice(identifier, identifier, Handle(), false) != 0) {
+    if (mainOutput_.OpenDevice(identifier, identifier, Handle(), sound3D_) != 0) {
         qWarning("Mixora: the sound device %s could not be opened; playing silently.",
                  identifier.c_str());
-        mainOutput_.OpenDevice(sound::kNullDeviceId, sound::kNullDeviceId, Handle(), false);
+        mainOutput_.OpenDevice(sound::kNullDeviceId, sound::kNullDeviceId, Handle(), sound3D_);
         mainWatch_.Watch(std::string());
     } else {
         mainWatch_.Watch(identifier);
@@ -512,6 +515,10 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             return 0;
         case UWM_GRAPH_DOUBLE_CLICK:
             return SendAppMessage(host_, msg, wParam, lParam);
+        case UWM_3D_GRAPH_VALUE:
+        case UWM_LISTENER_POSITION:
+        case UWM_CONFIG_REFRESH:
+            return On3DGraphMessage(msg, wParam, lParam);
         default:
             return CRynWindow::OnAppMessage(msg, wParam, lParam);
     }

@@ -15,6 +15,7 @@
 #include <QTimer>
 #include <array>
 #include <functional>
+#include <span>
 #include <string>
 
 #include "core/CRynWindow.h"
@@ -141,6 +142,15 @@ class CRynMainMixer : public CRynWindow {
     void SetGraphIntegers(bool on);
     void ReadCpuLoad();
 
+    // --- 3D graph and 3D sound (MainMixer3DSound.cpp) ---
+    // Opens the main device again with 3D sound on or off; the decks'
+    // buffers are made again on it.
+    void Switch3DSound(bool on);
+    bool Sound3D() const { return sound3D_; }
+    // The listener position (−1000 … 1000 each) last received.
+    float ListenerX() const { return listenerX_; }
+    float ListenerY() const { return listenerY_; }
+
     LResult OnAppMessage(Uwm msg, WParam wParam, LParam lParam) override;
 
   protected:
@@ -180,6 +190,15 @@ class CRynMainMixer : public CRynWindow {
     void OnMainDeviceLost(const std::string& description);
     void OnMainDeviceBack();
     static bool ValidDeck(WParam deck) { return deck < 2; }
+    LResult On3DGraphMessage(Uwm msg, WParam wParam, LParam lParam);
+    // The listener law's gains for the position, on the main device's listener.
+    void ApplyListener();
+    // A deck's current band values (entries 0 … n) as the 3D graph's next row.
+    void Feed3DGraph(int deck, std::span<const double> current);
+    void Draw3DGraph();
+    // A device that came back opens in stereo: with 3D sound on, it is opened
+    // again in 3D once the watch is done with it.
+    void Keep3DSound();
 
     WindowHandle host_ = 0;
     std::array<CRynDeck*, 2> decks_{};
@@ -214,4 +233,7 @@ class CRynMainMixer : public CRynWindow {
     QTimer watchTimer_;
     QElapsedTimer clock_;
     QLabel* deviceNotice_ = nullptr;
+    bool sound3D_ = false;
+    float listenerX_ = 0.0f, listenerY_ = 0.0f;
+    bool surfaceFed_ = false;
 };

@@ -8,6 +8,7 @@
 #include "deck/CRynDeck.h"
 #include "deck/graphs/DeckGraphs.h"
 #include "deck/graphs/GraphValues.h"
+#include "dsp/window/CRyn3DGraph.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "output/mixer/MixerMeters.h"
@@ -63,6 +64,8 @@ int CRynMainMixer::HeardSlot(int deck) const {
 
 void CRynMainMixer::DrawGraphsAndMeters() {
     ++graphsUpdates_;
+    if (graph3d_)
+        graph3d_->NoteGraphsPass();
     const SharedEngineState& e = Engine();
     // Playback has priority: nothing is drawn while the interface lags.
     if (e.overload.load() != 0)
@@ -93,6 +96,7 @@ void CRynMainMixer::DrawGraphsAndMeters() {
         const auto& ch = graphs.Analysis().At(slot).channels;
         const float rms = 0.5f * (ch[0].rmsDb + ch[1].rmsDb);
         meters_->ShowDeck(d, rms, graphs.BeatValue(), graphs.Analysis().CurrentValues());
+        Feed3DGraph(d, graphs.Analysis().CurrentValues());
         if (meters_->WantsScope(d)) {
             const dsp::DeckAnalysis& a = graphs.Analysis();
             graph_values::ScopeTrace(a.At(slot), -1, 0, a.Groups().groups, ~0u, 1.0, scope_);
@@ -102,6 +106,7 @@ void CRynMainMixer::DrawGraphsAndMeters() {
             headphones_->DrawDeck(d, graphs.Analysis(), slot);
         ++meterDraws_[d];
     }
+    Draw3DGraph();
 }
 
 void CRynMainMixer::ReadCpuLoad() {

@@ -47,7 +47,7 @@ SoundDevice::SoundDevice(std::string identifier, std::string description, Primar
       mixer_(std::make_shared<SoundMixer>(format)),
       backend_(std::move(backend)) {
     if (format.channels == 1)
-        listener_ = std::make_unique<SoundListener3D>();
+        listener_ = mixer_->Listener();
 }
 
 SoundDevice::~SoundDevice() {

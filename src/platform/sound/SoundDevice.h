@@ -51,7 +51,7 @@ class SoundDevice {
     // Stereo 44100 Hz 16-bit, or mono 22050 Hz 16-bit when opened with 3D.
     const PrimaryFormat& Format() const { return format_; }
     // The 3D listener, present only when opened with 3D sound.
-    SoundListener3D* Listener() { return listener_.get(); }
+    SoundListener3D* Listener() { return listener_; }
 
     // A silent, stopped buffer at position 0, volume 0, pan 0.
     SoundStatus CreateBuffer(const BufferDesc& desc, std::unique_ptr<SoundBuffer>* buffer);
@@ -89,7 +89,7 @@ class SoundDevice {
     PrimaryFormat format_;
     std::shared_ptr<SoundMixer> mixer_;
     std::unique_ptr<SoundBackend> backend_;
-    std::unique_ptr<SoundListener3D> listener_;
+    SoundListener3D* listener_ = nullptr;  // the mixer's, when opened with 3D
     std::atomic<std::uint64_t> underruns_{0};
     std::atomic<bool> serviceRun_{false};
     std::atomic<bool> lost_{false};

@@ -140,6 +140,11 @@ void SoundMixer::Mix(std::int16_t* out, int frames) {
             masterStepLeft_ = (targetL - appliedLeft_) / kMasterRampFrames;
             masterStepRight_ = (targetR - appliedRight_) / kMasterRampFrames;
         }
+        // The listener's gains glide across the pass from where the last one ended.
+        const float listenerL = listener_.gainLeft.load(std::memory_order_relaxed);
+        const float listenerR = listener_.gainRight.load(std::memory_order_relaxed);
+        const float stepL = (listenerL - listenerLeft_) / static_cast<float>(n);
+        const float stepR = (listenerR - listenerRight_) / static_cast<float>(n);
         for (int k = 0; k < n; ++k) {
             if (masterRampFrames_ > 0) {
                 appliedLeft_ += masterStepLeft_;
@@ -155,9 +160,14 @@ void SoundMixer::Mix(std::int16_t* out, int frames) {
                 out[2 * k] = ToSample(l);
                 out[2 * k + 1] = ToSample(r);
             } else {
-                out[2 * k] = out[2 * k + 1] = ToSample(0.5f * (l + r));
+                const float m = 0.5f * (l + r);
+                const float t = static_cast<float>(k + 1);
+                out[2 * k] = ToSample(m * (listenerLeft_ + stepL * t));
+                out[2 * k + 1] = ToSample(m * (listenerRight_ + stepR * t));
             }
         }
+        listenerLeft_ = listenerL;
+        listenerRight_ = listenerR;
         out += static_cast<std::ptrdiff_t>(2 * n);
         frames -= n;
         rendered_.fetch_add(static_cast<std::uint64_t>(n), std::memory_order_relaxed);

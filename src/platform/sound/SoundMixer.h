@@ -58,8 +58,12 @@ class SoundMixer {
     // may be destroyed.
     void SetTap(MixTap* tap);
 
+    // The 3D listener whose gains spread a mono mix over the two channels.
+    SoundListener3D* Listener() { return &listener_; }
+
     // Audio thread: renders `frames` frames into `out`: interleaved 16-bit
-    // stereo (a mono format puts the same signal on both channels).
+    // stereo (a mono format puts the mono mix on both channels, times the
+    // listener's left and right gains).
     void Mix(std::int16_t* out, int frames);
 
     // Service thread: sets the events of the notifications passed since the
@@ -92,6 +96,9 @@ class SoundMixer {
     float masterTargetLeft_ = 1.0f, masterTargetRight_ = 1.0f;
     float masterStepLeft_ = 0.0f, masterStepRight_ = 0.0f;
     int masterRampFrames_ = 0;
+    float listenerLeft_ = 1.0f, listenerRight_ = 1.0f;  // applied at the end of the last pass
+
+    SoundListener3D listener_;
 
     // UI side, under uiMutex_.
     std::mutex uiMutex_;

@@ -74,11 +74,17 @@ struct PrimaryFormat {
     int bits = 16;
 };
 
-// The listener of 3D sound; positions only so far (metres, right-handed).
+// The listener of 3D sound: its position (as the caller measures it) and the
+// left and right gains the mono mix is spread with, which the caller works
+// out from the position. The mixer reads the gains on its own thread (a
+// change glides over one mix pass); 1.0 and 1.0 put the mono mix on both
+// channels unchanged.
 struct SoundListener3D {
     std::atomic<float> x{0.0f};
     std::atomic<float> y{0.0f};
     std::atomic<float> z{0.0f};
+    std::atomic<float> gainLeft{1.0f};
+    std::atomic<float> gainRight{1.0f};
 };
 
 // One entry of the device list: what the user reads, and what to pass back
