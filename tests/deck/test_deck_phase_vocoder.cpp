@@ -11,34 +11,19 @@
 #include <memory>
 
 #include "app/CMixoraDlg.h"
+#include "app/InProcessHost.h"
 #include "controls/CNiButton.h"
 #include "controls/CNiGraph.h"
-#include "core/EngineState.h"
 #include "deck/CRynDeck.h"
 #include "dsp/window/CRynPhaseVocoder.h"
-#include "platform/PlatformLayers.h"
 
 namespace {
-
-class WorkingLayers : public PlatformLayers {
-  public:
-    bool InitialiseSound(QString*) override { return true; }
-    void ReleaseSound() override {}
-    bool CheckMedia(QString*) override { return true; }
-};
 
 class DeckPhaseVocoder : public ::testing::Test {
   protected:
     void SetUp() override {
-        qputenv("MIXORA_SOUND_DEVICE", "null");
-        ResetEngineStateForTest();
-        CMixoraDlg::Options o;
-        o.layers = std::make_unique<WorkingLayers>();
-        o.pauseMs = 0;
-        o.onEnd = [](int) {};
-        o.showError = [](const QString&) {};
-        host_ = std::make_unique<CMixoraDlg>(std::move(o));
-        ASSERT_TRUE(host_->StartUp());
+        host_ = testsupport::StartInProcessHost();
+        ASSERT_NE(host_, nullptr);
     }
     void TearDown() override { host_.reset(); }
 
