@@ -38,23 +38,23 @@ const std::array<GraphRole, CRynPhaseVocoder::kGraphCount> kRoles = {{
      "The phases of the same 513 frequency bins, in radians. A phase vocoder changes tempo "
      "and pitch by working on these phases; this graph stays empty.",
      "phase spectrum"},
-    {fr::kPictureLength, 0.0, 1.1, "Analysis Window Overlap Graph:",
+    {fr::kPictureLength, 0.0, 1.2, "Analysis Window Overlap Graph:",
      "Fifteen Hann windows of 1024 samples placed every 256 samples over 2048 points, each "
      "in its own colour. Each window overlaps the next by three quarters; wherever four "
      "overlap they add up to exactly 2, which is why sound cut into such frames can be put "
      "back together unchanged. The first window lies wholly before the picture and the last "
      "three wholly after it.",
      "window overlap"},
-    {fr::kBlockLength, -32768.0, 32767.0, "Input Block Graph:",
+    {fr::kBlockLength, -32768.0, 32768.0, "Input Block Graph:",
      "One channel of one block of the deck's audio, 1176 samples (26.7 ms). Stays empty: "
      "the deck's sound does not pass through this window.",
      "input block"},
-    {fr::kFrameLength, -32768.0, 32767.0, "Analysis Frame Graph:",
+    {fr::kFrameLength, -32768.0, 32768.0, "Analysis Frame Graph:",
      "One analysis frame of 1024 samples shaped by the Hann window. Stays empty.",
      "analysis frame"},
-    {fr::kBlockLength, -32768.0, 32767.0, "Output Block Graph:",
+    {fr::kBlockLength, -32768.0, 32768.0, "Output Block Graph:",
      "One channel of one block after resynthesis, 1176 samples. Stays empty.", "output block"},
-    {fr::kFrameLength, -32768.0, 32767.0, "Synthesis Frame Graph:",
+    {fr::kFrameLength, -32768.0, 32768.0, "Synthesis Frame Graph:",
      "One resynthesised frame of 1024 samples before it is overlapped and added. Stays empty.",
      "synthesis frame"},
 }};
