@@ -20,6 +20,7 @@
 #include "deck/transport/DeckTransport.h"
 #include "deck/turntable/TurntableController.h"
 #include "dsp/window/CRynEqualizer.h"
+#include "dsp/window/CRynPhaseVocoder.h"
 #include "playlist/PlayList.h"
 #include "playlist/window/CRynPlayList.h"
 #include "settings/CRynSettings.h"
@@ -256,7 +257,7 @@ void CRynDeck::BuildControls() {
     for (CNiButton* b : {showEqualizer_, showPlayList_, showInfo_})
         b->SetStyle(CNiButton::kLedButton);
     auto* toggles = new QHBoxLayout;
-    for (CNiButton* b : {showEqualizer_, showPlayList_, showInfo_}) {
+    for (CNiButton* b : {showEqualizer_, showPlayList_, showInfo_, BuildPhaseVocoder()}) {
         b->setMinimumWidth(b->fontMetrics().horizontalAdvance(b->Caption()) + 34);
         toggles->addWidget(b);
     }
@@ -508,12 +509,17 @@ bool CRynDeck::eventFilter(QObject* watched, QEvent* event) {
         const QSignalBlocker quiet(showEqualizer_);
         showEqualizer_->SetValue(event->type() == QEvent::Show);
     }
+    if (watched == vocoder_ && !event->spontaneous() &&
+        (event->type() == QEvent::Show || event->type() == QEvent::Hide)) {
+        const QSignalBlocker quiet(showVocoder_);
+        showVocoder_->SetValue(event->type() == QEvent::Show);
+    }
     return CRynWindow::eventFilter(watched, event);
 }
 
 void CRynDeck::closeEvent(QCloseEvent* event) {
     event->ignore();
-    for (CNiButton* b : {showEqualizer_, showPlayList_, showInfo_})
+    for (CNiButton* b : {showEqualizer_, showPlayList_, showInfo_, showVocoder_})
         b->SetValue(false);
     hide();
     PostAppMessageRetry(mainMixer_, UWM_WINDOW_CLOSED, kTemplateId, deck_);

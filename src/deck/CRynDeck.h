@@ -14,6 +14,7 @@
 //   CRynDeckPlatter.cpp    the platter: its panel, timers 13 and 17
 //   CRynDeckLoading.cpp    loading, previous/next, end of track, eject, CD
 //                          drive selection, deck mode
+//   CRynDeckVocoder.cpp    the phase vocoder window and its show toggle
 //
 // State lives partly in button captions, as the user sees it: start/stop
 // reads "start" while the turntable is stopped, drop/lift reads "drop" while
@@ -38,6 +39,7 @@ class CRynDeckInfo;
 class CRynDiscBuffer;
 class CRynEqualizer;
 class CRynFileDecoder;
+class CRynPhaseVocoder;
 class CRynPlayList;
 class DeckBlockWork;
 class DeckGraphs;
@@ -108,6 +110,11 @@ class CRynDeck : public CRynWindow {
     DeckTurntablePanel* TurntablePanel() const { return turntable_; }
     // The effect list and its two knobs (the main mixer applies them).
     DeckEffectsPanel& Effects() { return *effects_; }
+    // The deck's phase vocoder window (a child window, made hidden with the
+    // deck) and its show toggle, control 1091 (CRynDeckVocoder.cpp).
+    static constexpr int kShowPhaseVocoderId = 1091;
+    CRynPhaseVocoder* PhaseVocoder() const { return vocoder_; }
+    CNiButton* ShowPhaseVocoderButton() const { return showVocoder_; }
 
     // The deck's two colours: `which` 0 is its main colour, 1 its dark shade.
     QColor Colour(int which) const;
@@ -241,6 +248,8 @@ class CRynDeck : public CRynWindow {
     // when it has none.
     DeckInfoStats& Stats();
     void InitialiseGraphs();
+    // Makes the phase vocoder window and returns its show toggle, wired.
+    CNiButton* BuildPhaseVocoder();
 
     int deck_ = 0;
     WindowHandle mainMixer_ = 0;
@@ -283,6 +292,8 @@ class CRynDeck : public CRynWindow {
     CNiButton* showEqualizer_ = nullptr;
     CNiButton* showPlayList_ = nullptr;
     CNiButton* showInfo_ = nullptr;
+    CNiButton* showVocoder_ = nullptr;
+    CRynPhaseVocoder* vocoder_ = nullptr;
     CNiButton* freshDataLed_ = nullptr;
     CNiButton* discLowLed_ = nullptr;
     CNiButton* readErrorLed_ = nullptr;

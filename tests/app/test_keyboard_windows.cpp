@@ -10,6 +10,7 @@
 #include <QTest>
 #include <memory>
 
+#include "InProcessHost.h"
 #include "TestSupport.h"
 #include "app/CMixoraDlg.h"
 #include "app/CRynKeyboard.h"
@@ -24,16 +25,8 @@
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
 #include "output/mixer/CRynMainMixer.h"
-#include "platform/PlatformLayers.h"
 
 namespace {
-
-class WorkingLayers : public PlatformLayers {
-  public:
-    bool InitialiseSound(QString*) override { return true; }
-    void ReleaseSound() override {}
-    bool CheckMedia(QString*) override { return true; }
-};
 
 // Pumps the event loop for `ms` milliseconds (the poll thread's sends are
 // served meanwhile).
@@ -47,16 +40,9 @@ void Hold(int ms) {
 class KeysThroughWindows : public ::testing::Test {
   protected:
     void SetUp() override {
-        qputenv("MIXORA_SOUND_DEVICE", "null");
-        ResetEngineStateForTest();
         ClearShellLogForTest();
-        CMixoraDlg::Options o;
-        o.layers = std::make_unique<WorkingLayers>();
-        o.pauseMs = 0;
-        o.onEnd = [](int) {};
-        o.showError = [](const QString&) {};
-        host_ = std::make_unique<CMixoraDlg>(std::move(o));
-        ASSERT_TRUE(host_->StartUp());
+        host_ = testsupport::StartInProcessHost();
+        ASSERT_NE(host_, nullptr);
         ASSERT_NE(host_->KeyMaps(), nullptr);
         deckA_ = host_->Deck(0);
     }
