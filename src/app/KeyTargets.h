@@ -4,8 +4,9 @@
 //     T G Y H N B Page Up Page Down);
 //   - the equalizer windows' band level slides (A Z S X D C, K , L . ; /);
 //   - the turntable's keyboard release (W and O let go);
-//   - Home (windows to their default places), End (full screen) and
-//     Ctrl+Shift+F5 (write the user guide), which do nothing yet.
+//   - Home (windows to their default places) and End (full screen), which
+//     the main mixer does, and Ctrl+Shift+F5 (write the user guide), which
+//     does nothing yet.
 // A null slide means the window has no such control (yet): the key does
 // nothing. User-interface thread only.
 #pragma once
@@ -16,6 +17,7 @@ class CNiSlide;
 class CRynDeck;
 class CRynEqualizer;
 class CRynHeadphonesMixer;
+class CRynMainMixer;
 
 // The headphones slide a Phones* target moves (null for other targets).
 CNiSlide* PhonesSlide(CRynHeadphonesMixer* phones, HeldTarget target, int deck);
@@ -27,8 +29,8 @@ CNiSlide* EqualizerBandSlide(CRynEqualizer* equalizer, int band);
 // left-button release on the platter without Shift would.
 void TurntableKeyRelease(CRynDeck* deck);
 
-// The window commands of Home, End and Ctrl+Shift+F5. False: not done (the
-// layout and the user guide are not part of the program yet).
-bool ResetWindowPositions();
-bool ShowFullScreen();
+// The window commands of Home, End and Ctrl+Shift+F5. False: not done (no
+// main mixer; the user guide is not part of the program yet).
+bool ResetWindowPositions(CRynMainMixer* mixer);
+bool ShowFullScreen(CRynMainMixer* mixer);
 bool WriteUserGuide();
