@@ -44,11 +44,15 @@ bool InsideScrolledView(const QWidget* w, const QWidget* window) {
 
 // Every shown control of every shown window wholly inside its window.
 void CheckControls(CRynMainMixer* mixer) {
-    int windows = 0, controls = 0, outside = 0;
+    int windows = 0, frames = 0, controls = 0, outside = 0;
     for (const CRynMainMixer::LayoutWindow& lw : mixer->LayoutWindows()) {
         QWidget* window = lw.window;
         if (!window->isVisible())
             continue;
+        if (window->rect().isEmpty()) {
+            ++frames;  // a frame without a client area (deck information at first)
+            continue;
+        }
         ++windows;
         const QRect client = window->rect();
         const auto children = window->findChildren<QWidget*>();
@@ -74,8 +78,9 @@ void CheckControls(CRynMainMixer* mixer) {
                          .arg(client.height()));
         }
     }
-    ShellLog(QStringLiteral("layout check windows %1 controls %2 outside %3")
+    ShellLog(QStringLiteral("layout check windows %1 frames %2 controls %3 outside %4")
                  .arg(windows)
+                 .arg(frames)
                  .arg(controls)
                  .arg(outside));
 }

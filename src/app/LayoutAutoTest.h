@@ -9,7 +9,9 @@
 //   "layout-full-screen": End, as the key does it; a second later one
 //                    "layout window" line per window, one "layout outside"
 //                    line per control that is not wholly inside its window's
-//                    client area, and a "layout check" summary; the program
+//                    client area, and a "layout check" summary (windows
+//                    checked, frames without a client area, controls,
+//                    controls outside); the program
 //                    then waits $MIXORA_LAYOUT_HOLD_MS (default 3000) for a
 //                    screenshot and closes the main mixer.
 // A "layout window" line reads: class, deck, left, top, right, bottom of the

@@ -234,6 +234,7 @@ class CRynMainMixer : public CRynWindow {
     // its stored one when the user had moved it; the rectangle is stored.
     void PlaceLayoutWindows(const std::vector<LayoutWindow>& windows, bool toDefaults);
     void OnMinimiseTimer();
+    void RaiseControlsAboveDisplays();
     void InitialiseMeters();
     void OnMainDeviceLost(const std::string& description);
     void OnMainDeviceBack();

@@ -4,8 +4,8 @@
 // minimise all and restore all, and the window records in the settings.
 //
 // Rectangles are frame rectangles in screen pixels (WindowRect: far edges
-// exclusive). A window whose controls need more room than its rectangle
-// gives keeps its smallest size: no control is ever cut off.
+// exclusive). Every window the layout places takes its rectangle exactly;
+// its controls scale with it (WindowScaler).
 #include <QCheckBox>
 #include <QEvent>
 #include <QGuiApplication>
@@ -14,6 +14,7 @@
 #include <algorithm>
 
 #include "controls/CNiButton.h"
+#include "controls/WindowScaler.h"
 #include "core/EngineState.h"
 #include "core/Trace.h"
 #include "deck/CRynDeck.h"
@@ -44,7 +45,7 @@ WindowRect RectOf(const QWidget* w) {
     return {f.left(), f.top(), f.left() + f.width(), f.top() + f.height()};
 }
 
-// The window with its frame on `r`; Qt keeps it at least its smallest size.
+// The window with its frame on `r`.
 void PlaceOn(QWidget* w, const WindowRect& r) {
     const QMargins m = FrameMargins(w);
     w->setGeometry(r.left + m.left(), r.top + m.top(),
@@ -150,6 +151,8 @@ void CRynMainMixer::PlaceLayoutWindows(const std::vector<LayoutWindow>& windows,
             if (toDefaults)
                 s.WriteHasMoved(lw.kind, lw.deck, false);
         }
+        // Its controls follow its size from now on.
+        WindowScaler::Attach(lw.window);
         PlaceOn(lw.window, r);
         placed_[lw.window] = RectOf(lw.window);
         s.WriteWindowRect(lw.kind, lw.deck, low, r);
@@ -206,6 +209,7 @@ void CRynMainMixer::ShowFullScreen() {
             rest.push_back(lw);
     }
     PlaceLayoutWindows(rest, true);
+    RaiseControlsAboveDisplays();
 }
 
 void CRynMainMixer::ShowDeck(int deck, bool show) {
@@ -288,6 +292,18 @@ void CRynMainMixer::PlaceWindowsAtStartUp() {
     show();
     ShowAsStored();
     PlaceLayoutWindows(LayoutWindows(), false);
+    RaiseControlsAboveDisplays();
+}
+
+void CRynMainMixer::RaiseControlsAboveDisplays() {
+    // The default rectangles overlap: the headphones mixer covers the top
+    // of the 3D graph, each play list the top of its deck's equalizer.
+    for (CRynDeck* deck : decks_) {
+        if (deck && deck->PlayListWindow() && deck->PlayListWindow()->isVisible())
+            deck->PlayListWindow()->raise();
+    }
+    if (headphones_ && headphones_->isVisible())
+        headphones_->raise();
 }
 
 void CRynMainMixer::SwitchResolution() {
