@@ -54,7 +54,8 @@ WindowScaler::WindowScaler(QWidget* window) : QObject(window), window_(window) {
     Record();
 }
 
-void WindowScaler::Record() {
+bool WindowScaler::Record() {
+    bool added = false;
     const auto widgets = window_->findChildren<QWidget*>();
     for (QWidget* w : widgets) {
         if (w->isWindow())
@@ -69,6 +70,7 @@ void WindowScaler::Record() {
         n.ownFont = w->testAttribute(Qt::WA_SetFont);
         n.font = w->font();
         widgets_[w] = n;
+        added = true;
     }
     const auto layouts = window_->findChildren<QLayout*>();
     for (QLayout* l : layouts) {
@@ -85,7 +87,9 @@ void WindowScaler::Record() {
             n.spacing = l->spacing();
         }
         layouts_[l] = n;
+        added = true;
     }
+    return added;
 }
 
 void WindowScaler::Apply(double s) {
@@ -132,7 +136,9 @@ void WindowScaler::Fit() {
     fitPending_ = false;
     if (!window_->layout())
         return;
-    Record();
+    // Newcomers take the scale in force first.
+    if (Record() && scale_ != 1.0)
+        Apply(scale_);
     const QSize room = window_->size();
     if (room.isEmpty())
         return;

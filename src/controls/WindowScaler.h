@@ -51,7 +51,9 @@ class WindowScaler : public QObject {
         QMargins margins;
         int spacing = -1, horizontal = -1, vertical = -1;
     };
-    void Record();
+    // Takes the natural sizes of controls and layouts not seen before; true
+    // when there were any.
+    bool Record();
     void Apply(double s);
     QSize LayoutMinimum();
 

@@ -302,8 +302,9 @@ TEST_F(WindowLayout, MinimiseAllAfter750MsAndRestoreWithStoredMeters) {
     EXPECT_EQ(e.decks[0].metersOff.load(), 1);
     EXPECT_EQ(e.decks[1].metersOff.load(), 1);
     for (const CRynMainMixer::LayoutWindow& lw : mixer_->LayoutWindows()) {
-        if (lw.window->isVisible())
+        if (lw.window->isVisible()) {
             EXPECT_TRUE(lw.window->isMinimized()) << lw.window->windowTitle().toStdString();
+        }
     }
     mixer_->showNormal();
     EXPECT_EQ(e.allMinimised.load(), 0);

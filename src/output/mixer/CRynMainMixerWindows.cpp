@@ -31,13 +31,19 @@
 
 namespace {
 
-// The frame around the client area; none while the window is not on screen.
+// The frame around the client area. A window not on screen has none yet:
+// it will get the frame the last framed window had.
 QMargins FrameMargins(const QWidget* w) {
-    if (!w->isVisible())
+    static QMargins lastFrame;
+    if (w->windowFlags().testFlag(Qt::FramelessWindowHint))
         return {};
+    if (!w->isVisible())
+        return lastFrame;
     const QRect f = w->frameGeometry();
     const QRect g = w->geometry();
-    return {g.left() - f.left(), g.top() - f.top(), f.right() - g.right(), f.bottom() - g.bottom()};
+    lastFrame = {g.left() - f.left(), g.top() - f.top(), f.right() - g.right(),
+                 f.bottom() - g.bottom()};
+    return lastFrame;
 }
 
 WindowRect RectOf(const QWidget* w) {
