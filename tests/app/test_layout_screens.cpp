@@ -115,26 +115,40 @@ TEST(LayoutScreens, FullScreenKeepsEveryControlInsideItsWindow) {
     }
 }
 
+// The last line of the log that starts with `prefix`.
+static QString LastLine(const QStringList& log, const QString& prefix) {
+    for (auto it = log.crbegin(); it != log.crend(); ++it) {
+        if (it->startsWith(prefix))
+            return *it;
+    }
+    return {};
+}
+
 TEST(LayoutRestart, MovedWindowsComeBackAndSaveOffForgetsThem) {
     ASSERT_TRUE(QFileInfo::exists(MIXORA_BINARY_DIR "/mixora"));
+    const QString deckA = QStringLiteral("layout window CRynDeck 0 ");
     testsupport::MixoraChild child;
+    ASSERT_TRUE(child.Start({}, {"MIXORA_AUTOTEST=layout-report"}));
+    ASSERT_TRUE(child.Wait(30000));
+    // The offscreen screen is 800 x 800: the low-resolution layout, deck A
+    // in the upper left quarter.
+    EXPECT_EQ(LastLine(child.Log(), deckA), deckA + "0 0 400 440 shown");
+
     ASSERT_TRUE(child.Start({}, {"MIXORA_AUTOTEST=layout-move"}));
     ASSERT_TRUE(child.Wait(30000));
     EXPECT_EQ(child.ExitCode(), 0);
     ASSERT_TRUE(child.Log().contains("layout moved"));
 
-    // The next run puts deck A where the user left it.
+    // The next run puts deck A where the user left it (its client area at
+    // 101, 57, inside the offscreen platform's 2-pixel frame).
     ASSERT_TRUE(child.Start({}, {"MIXORA_AUTOTEST=layout-report"}));
     ASSERT_TRUE(child.Wait(30000));
-    EXPECT_TRUE(child.Log().contains("layout window CRynDeck 0 101 57 501 357 shown"))
-        << child.Log().join('\n').toStdString();
+    EXPECT_EQ(LastLine(child.Log(), deckA), deckA + "99 55 503 359 shown");
 
-    // With "Save Window Positions" off, the run after goes back to the defaults
-    // (offscreen: 800 x 600, the low-resolution layout, deck A at 0, 0, 400, 330).
+    // With "Save Window Positions" off, the run after goes back to the default.
     ASSERT_TRUE(child.Start({}, {"MIXORA_AUTOTEST=layout-save-off"}));
     ASSERT_TRUE(child.Wait(30000));
     ASSERT_TRUE(child.Start({}, {"MIXORA_AUTOTEST=layout-report"}));
     ASSERT_TRUE(child.Wait(30000));
-    EXPECT_TRUE(child.Log().contains("layout window CRynDeck 0 0 0 400 330 shown"))
-        << child.Log().join('\n').toStdString();
+    EXPECT_EQ(LastLine(child.Log(), deckA), deckA + "0 0 400 440 shown");
 }
