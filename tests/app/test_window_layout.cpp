@@ -323,3 +323,20 @@ TEST_F(WindowLayout, MinimiseAllAfter750MsAndRestoreWithStoredMeters) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(WindowLayout, RightClickOnADeckToggleSendsItsWindowToItsDefaultPlace) {
+    Layout(false);
+    mixer_->ShowFullScreen();
+    QWidget* eq = Deck(0)->Equalizer();
+    eq->move(500, 500);
+    CNiButton* toggle = Deck(0)->ShowEqualizerButton();
+    ASSERT_TRUE(toggle->Value());
+    QTest::mouseClick(toggle, Qt::RightButton, Qt::NoModifier, toggle->rect().center());
+    EXPECT_EQ(FrameOf(eq).left, 0);
+    EXPECT_EQ(FrameOf(eq).top, 337);
+    EXPECT_TRUE(eq->isVisible());
+}
+
+}  // namespace

@@ -78,6 +78,28 @@ void CRynMainMixer::InitialiseWindowButtons() {
     b->onReset = [this] { ResetWindowPositions(); };
     b->onFullScreen = [this] { ShowFullScreen(); };
     b->onSwitchMode = [this] { SwitchResolution(); };
+    // A right click on a deck's show toggle of its equalizer, play list or
+    // information window, while on, sends that window to its default place.
+    for (int d = 0; d < 2; ++d) {
+        CRynDeck* deck = decks_[d];
+        if (!deck)
+            continue;
+        const std::pair<CNiButton*, SettingsWindow> toggles[] = {
+            {deck->ShowEqualizerButton(), SettingsWindow::Equalizer},
+            {deck->ShowPlayListButton(), SettingsWindow::PlayList},
+            {deck->ShowInfoButton(), SettingsWindow::DeckInfo}};
+        for (const auto& [toggle, kind] : toggles) {
+            connect(toggle, &CNiControl::mouseUp, this,
+                    [this, d, kind, toggle](int button, int, QPoint) {
+                        if (button != CNiControl::kRightButton || !toggle->Value())
+                            return;
+                        for (const LayoutWindow& lw : LayoutWindows()) {
+                            if (lw.kind == kind && lw.deck == d)
+                                PlaceLayoutWindows({lw}, true);
+                        }
+                    });
+        }
+    }
 
     ComponentRegistry& r = Registry();
     r.Register(b->ShowDeckButton(0), this, QStringLiteral("Show/Hide Deck A:"),
@@ -295,6 +317,9 @@ void CRynMainMixer::ShowAsStored() {
 
 void CRynMainMixer::PlaceWindowsAtStartUp() {
     windowButtons_->ShowMode(LowResolution());
+    // The stored title bar state, before the frames are measured.
+    if (!Settings().GetTitleBarsOnState())
+        ShowTitleBars(false);
     show();
     ShowAsStored();
     PlaceLayoutWindows(LayoutWindows(), false);
