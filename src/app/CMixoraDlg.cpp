@@ -363,26 +363,10 @@ void CMixoraDlg::StartServiceThreads() {
 }
 
 void CMixoraDlg::PlaceAndShowWindows(bool low) {
-    // A plain tiling until the layout comes: decks left and right of the main
-    // mixer, the mixers' and decks' helpers below them.
-    const QRect s = FullScreenArea();
-    const int w = s.width(), h = s.height();
-    auto place = [&](QWidget* window, double x, double y, double cw, double ch, bool show) {
-        window->setGeometry(s.x() + int(x * w), s.y() + int(y * h), int(cw * w), int(ch * h));
-        if (show)
-            window->show();
-    };
-    place(decks_[0].get(), 0.0, 0.0, 0.36, 0.5, true);
-    place(mainMixer_.get(), 0.36, 0.0, 0.28, 0.4, true);
-    place(decks_[1].get(), 0.64, 0.0, 0.36, 0.5, true);
-    place(headphones_.get(), 0.36, 0.4, 0.28, 0.3, true);
-    place(graph3d_.get(), 0.36, 0.7, 0.28, 0.3, !low);
-    for (int d = 0; d < 2; ++d) {
-        const double x = d == 0 ? 0.0 : 0.64;
-        place(equalizers_[d].get(), x, 0.5, 0.36, 0.18, !low);
-        place(playLists_[d].get(), x, 0.68, 0.36, 0.32, !low);
-        place(infos_[d].get(), x, 0.5, 0.36, 0.0, false);
-    }
+    // The main mixer lays out every window (stored or default rectangles).
+    mainMixer_->SetLayoutArea(FullScreenArea());
+    mainMixer_->SetLowResolution(low);
+    mainMixer_->PlaceWindowsAtStartUp();
 }
 
 bool CMixoraDlg::GraphsThreadRunning() const {
@@ -504,17 +488,16 @@ LResult CMixoraDlg::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             return 0;
         case UWM_MINIMISE_ALL:
             e.allMinimised.store(1);
-            for (int d = 0; d < 2; ++d) {
-                storedMetersOff_[d] = e.decks[d].metersOff.load();
+            for (int d = 0; d < 2; ++d)
                 e.decks[d].metersOff.store(1);
-            }
             MinimiseAll(true);
             return 0;
         case UWM_RESTORE_ALL:
             e.allMinimised.store(0);
             MinimiseAll(false);
+            // Each deck's meters as the settings hold them.
             for (int d = 0; d < 2; ++d)
-                e.decks[d].metersOff.store(storedMetersOff_[d]);
+                e.decks[d].metersOff.store(Settings().GetMetersEnabled(d) ? 0 : 1);
             return 0;
         case UWM_GRAPHS_PRIORITY:
             // The decks tell the host; the main mixer sets the thread's priority.

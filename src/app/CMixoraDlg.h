@@ -143,7 +143,6 @@ class CMixoraDlg : public QDialog, public MessageReceiver {
     std::vector<std::unique_ptr<WorkerThread>> retiredGraphsThreads_;
 
     std::array<LParam, 2> deckValues_{};
-    std::array<std::int32_t, 2> storedMetersOff_{};
 
     QWidget* progress_ = nullptr;
     std::array<ProgressLamp*, 5> lamps_{};

@@ -57,6 +57,8 @@ void CMixoraDlg::Shutdown() {
     shuttingDown_ = true;
     SharedEngineState& e = Engine();
     ShellLog(QStringLiteral("shutdown"));
+    if (mainMixer_)
+        mainMixer_->StoreWindowPositions();
 
     // On screen as the progress window.
     progress_->show();

@@ -6,6 +6,7 @@
 #include "deck/turntable/TurntableController.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
+#include "output/mixer/CRynMainMixer.h"
 
 CNiSlide* PhonesSlide(CRynHeadphonesMixer* phones, HeldTarget target, int deck) {
     if (!phones)
@@ -35,12 +36,18 @@ void TurntableKeyRelease(CRynDeck* deck) {
         deck->Turntable().KeyboardRelease();
 }
 
-bool ResetWindowPositions() {
-    return false;
+bool ResetWindowPositions(CRynMainMixer* mixer) {
+    if (!mixer)
+        return false;
+    mixer->ResetWindowPositions();
+    return true;
 }
 
-bool ShowFullScreen() {
-    return false;
+bool ShowFullScreen(CRynMainMixer* mixer) {
+    if (!mixer)
+        return false;
+    mixer->ShowFullScreen();
+    return true;
 }
 
 bool WriteUserGuide() {

@@ -5,7 +5,7 @@
 //   - the equalizer windows' band level slides (A Z S X D C, K , L . ; /);
 //   - the turntable's keyboard release (W and O let go);
 //   - Home (windows to their default places) and End (full screen), which
-//     do nothing yet, and Ctrl+Shift+F5 (write the user guide, UserGuide.h).
+//     the main mixer does, and Ctrl+Shift+F5 (write the user guide, UserGuide.h).
 // A null slide means the window has no such control (yet): the key does
 // nothing. User-interface thread only.
 #pragma once
@@ -16,6 +16,7 @@ class CNiSlide;
 class CRynDeck;
 class CRynEqualizer;
 class CRynHeadphonesMixer;
+class CRynMainMixer;
 
 // The headphones slide a Phones* target moves (null for other targets).
 CNiSlide* PhonesSlide(CRynHeadphonesMixer* phones, HeldTarget target, int deck);
@@ -27,8 +28,8 @@ CNiSlide* EqualizerBandSlide(CRynEqualizer* equalizer, int band);
 // left-button release on the platter without Shift would.
 void TurntableKeyRelease(CRynDeck* deck);
 
-// The window commands of Home, End and Ctrl+Shift+F5. False: not done (the
-// layout is not part of the program yet; the guide was cancelled or failed).
-bool ResetWindowPositions();
-bool ShowFullScreen();
+// The window commands of Home, End and Ctrl+Shift+F5. False: not done (no
+// main mixer; the guide was cancelled or failed).
+bool ResetWindowPositions(CRynMainMixer* mixer);
+bool ShowFullScreen(CRynMainMixer* mixer);
 bool WriteUserGuide();

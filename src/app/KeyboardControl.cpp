@@ -212,10 +212,10 @@ void KeyboardControl::Run(const KeyAction& a, const KeyWindows& w) {
             TurntableKeyRelease(deck);
             break;
         case KeyCommand::ResetLayout:
-            ResetWindowPositions();
+            ResetWindowPositions(w.mainMixer);
             break;
         case KeyCommand::FullScreen:
-            ShowFullScreen();
+            ShowFullScreen(w.mainMixer);
             break;
         case KeyCommand::WriteUserGuide:
             WriteUserGuide();

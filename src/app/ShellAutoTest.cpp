@@ -10,6 +10,7 @@
 
 #include "app/CMixoraApp.h"
 #include "app/CMixoraDlg.h"
+#include "app/LayoutAutoTest.h"
 #include "app/ShellLog.h"
 #include "controls/CNiButton.h"
 #include "core/EngineState.h"
@@ -273,4 +274,5 @@ void ArmAutoTest(CMixoraDlg& host) {
             h->MainMixer()->close();
         });
     }
+    ArmLayoutAutoTest(host, script);
 }

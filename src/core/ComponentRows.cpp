@@ -2,15 +2,16 @@
 
 void ComponentRows::Add(QWidget* control, const QString& title, const QString& description,
                         const QString& label) {
-    const int k = next_++;
-    if (k >= registry_.Count()) {
-        registry_.Register(control, window_, title, description, label);
+    // Registered before (a second Initialise): the same row again, with the
+    // window's new texts, wherever other rows of the window stand.
+    for (int k = 0; control && k < registry_.Count(); ++k) {
+        if (registry_.Control(k) != control)
+            continue;
+        registry_.SetTitle(k, title);
+        registry_.SetDescription(k, description);
+        registry_.SetLabel(k, label);
+        control->setToolTip(label);
         return;
     }
-    // Registered before: the same row again, with the window's new texts.
-    registry_.SetTitle(k, title);
-    registry_.SetDescription(k, description);
-    registry_.SetLabel(k, label);
-    if (QWidget* c = registry_.Control(k))
-        c->setToolTip(label);
+    registry_.Register(control, window_, title, description, label);
 }

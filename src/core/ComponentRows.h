@@ -1,8 +1,8 @@
 // Writes a window's rows into its ComponentRegistry, one Add per control in
-// the order the controls appear. A window that registers again (a second
-// Initialise, for the other deck) rewrites the rows it stored the first time
-// in place, so its registry never holds a control twice. The label is the
-// control's tool tip either way.
+// the order the controls appear. A control registered before (a second
+// Initialise, for the other deck) has its row rewritten in place, so a
+// registry never holds a control twice; rows other parts of the window
+// registered stay as they are. The label is the control's tool tip either way.
 #pragma once
 
 #include <QString>
@@ -22,5 +22,4 @@ class ComponentRows {
   private:
     ComponentRegistry& registry_;
     QWidget* window_;
-    int next_ = 0;
 };

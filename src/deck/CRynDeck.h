@@ -200,6 +200,10 @@ class CRynDeck : public CRynWindow {
     CNiButton* EjectButton() const { return eject_; }
     CNiButton* PreviousButton() const { return previous_; }
     CNiButton* NextButton() const { return next_; }
+    // The toggles that show the deck's equalizer, play list and information windows.
+    CNiButton* ShowEqualizerButton() const { return showEqualizer_; }
+    CNiButton* ShowPlayListButton() const { return showPlayList_; }
+    CNiButton* ShowInfoButton() const { return showInfo_; }
     CNiSlide* ProgressSlide() const { return progress_; }
     QComboBox* DriveChooser() const { return drives_; }
 

@@ -184,23 +184,30 @@ void CRynEqualizer::LayOut() {
     graph_->setGeometry(margin, y, w, graphHeight);
     y += graphHeight + gap;
 
-    // The command row: on, anti-clip, filter type, band counts, reset, taps.
+    // The command row: on, anti-clip, filter type, band counts, reset, taps;
+    // in a window too narrow for their natural widths all narrow alike.
+    const bool own = type_ == EqType::Own;
+    const int items = 1 + (own ? 5 : 0) + static_cast<int>(bandButtons_.size());
+    const int natural =
+        72 + (own ? 72 + 100 + 56 + 40 + 40 : 0) + 28 * static_cast<int>(bandButtons_.size());
+    const double f = std::min(1.0, std::max(0, w - gap * (items - 1)) / double(natural));
     int x = margin;
     auto place = [&](QWidget* c, int cw) {
         c->setGeometry(x, y, cw, row);
         x += cw + gap;
     };
-    place(onButton_, 72);
-    if (type_ == EqType::Own) {
-        place(antiClip_, 72);
-        place(filterType_, 100);
+    auto narrow = [f](int cw) { return static_cast<int>(cw * f); };
+    place(onButton_, narrow(72));
+    if (own) {
+        place(antiClip_, narrow(72));
+        place(filterType_, narrow(100));
     }
     for (CNiButton* b : bandButtons_)
-        place(b, 28);
-    if (type_ == EqType::Own) {
-        place(reset_, 56);
-        const int displayWidth = 40;
-        const int slideWidth = std::max(40, margin + w - x - displayWidth - gap);
+        place(b, narrow(28));
+    if (own) {
+        place(reset_, narrow(56));
+        const int displayWidth = narrow(40);
+        const int slideWidth = std::max(narrow(40), margin + w - x - displayWidth - gap);
         place(taps_, slideWidth);
         place(tapsDisplay_, displayWidth);
     }

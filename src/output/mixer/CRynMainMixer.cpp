@@ -47,6 +47,8 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     layout->addWidget(panel_);
     recording_ = new MainMixerRecording(&mainOutput_, &Settings(), this);
     layout->addWidget(recording_);
+    windowButtons_ = new MainMixerWindowButtons(this);
+    layout->addWidget(windowButtons_);
     meters_ = new MixerMeters(this);
     layout->addWidget(meters_);
     resize(340, 420);
@@ -112,6 +114,7 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
             panel_->SetDeckColours(d, decks_[d]->Colour(0), decks_[d]->Colour(1));
     }
     panel_->Initialise();
+    InitialiseWindowButtons();
     InitialiseMeters();
     for (int d = 0; d < 2; ++d) {
         cycle_.BindDeck(d, decks_[d] ? &decks_[d]->Transport() : nullptr);
@@ -359,6 +362,14 @@ void CRynMainMixer::ScratchDone(int deck) {
 }
 
 void CRynMainMixer::OnWindowTimer(int id) {
+    if (id == kMinimiseTimer) {
+        OnMinimiseTimer();
+        return;
+    }
+    if (id == k3DGraphTimer) {
+        Show3DGraphNow();
+        return;
+    }
     if (id == kCpuTimer) {
         ReadCpuLoad();
         return;
@@ -500,6 +511,13 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
                 panel_->ShowPhonesButton()->SetValue(false);
             else if (wParam == static_cast<WParam>(CRynConfigure::kTemplateId))
                 panel_->ShowOptionsButton()->SetValue(false);
+            else if (wParam == static_cast<WParam>(SettingsWindow::Deck) && lParam < 2)
+                windowButtons_->ShowDeckButton(static_cast<int>(lParam))->SetValue(false);
+            else if (wParam == static_cast<WParam>(SettingsWindow::ThreeDGraph))
+                windowButtons_->Show3DGraphButton()->SetValue(false);
+            return 0;
+        case UWM_HELP_BUTTONS:
+            ShowHelpButtons(wParam != 0);
             return 0;
         case UWM_TICK:
             OnTick();

@@ -12,11 +12,14 @@
 #pragma once
 
 #include <QElapsedTimer>
+#include <QRect>
 #include <QTimer>
 #include <array>
 #include <functional>
 #include <span>
+#include <map>
 #include <string>
+#include <vector>
 
 #include "core/CRynWindow.h"
 #include "output/engine/CRynAudioOutput.h"
@@ -28,6 +31,8 @@
 #include "output/engine/WriteAheadTarget.h"
 #include "output/laws/CpuLoad.h"
 #include "output/mixer/MainMixerPanel.h"
+#include "output/mixer/MainMixerWindowButtons.h"
+#include "settings/SettingsNames.h"
 
 class CRynDeck;
 class CRynHeadphonesMixer;
@@ -150,11 +155,55 @@ class CRynMainMixer : public CRynWindow {
     // The listener position (−1000 … 1000 each) last received.
     float ListenerX() const { return listenerX_; }
     float ListenerY() const { return listenerY_; }
+    // --- Window layout and screen modes (CRynMainMixerWindows.cpp) ---
+    // Timer 4: minimise all, 750 ms after the mixer was minimised; timer 6:
+    // the 3D graph shows 750 ms after its button went on.
+    static constexpr int kMinimiseTimer = 4;
+    static constexpr int kMinimiseMs = 750;
+    static constexpr int k3DGraphTimer = 6;
+    static constexpr int k3DGraphMs = 750;
+    // One window of the layout: the window, its record kind and its deck.
+    struct LayoutWindow {
+        QWidget* window = nullptr;
+        SettingsWindow kind = SettingsWindow::MainMixer;
+        int deck = 0;
+    };
+    // Every working window the layout tiles (the mixers, the 3D graph and
+    // each deck's four windows), the ones that exist.
+    std::vector<LayoutWindow> LayoutWindows() const;
+    MainMixerWindowButtons& WindowButtons() { return *windowButtons_; }
+    // The full-screen client area the layout tiles: the primary screen
+    // without panels, or the area a test gives (an empty one: the screen).
+    void SetLayoutArea(const QRect& area) { layoutArea_ = area; }
+    QRect LayoutArea() const;
+    bool LowResolution() const;
+    // Start-up: every window shown as stored (a first run: as full screen
+    // shows them), each at its stored rectangle when the user had moved it,
+    // else at its default one.
+    void PlaceWindowsAtStartUp();
+    // Home: the main mixer and each shown deck go to their default
+    // rectangles, and so do the decks' information, equalizer and play list
+    // windows; the rectangles are stored and the moved flags cleared.
+    void ResetWindowPositions();
+    // End: both decks and both mixers shown; the decks' other windows and
+    // the 3D graph shown in high resolution and hidden in low resolution;
+    // then Home.
+    void ShowFullScreen();
+    // The mode button: the positions are stored, then the other layout is built.
+    void SwitchResolution();
+    // Every window's rectangle (in the current layout), moved flag and
+    // shown flag into the settings. With "Save Window Positions" off the
+    // moved flags are cleared instead, so the next start uses the defaults.
+    void StoreWindowPositions();
+    // UWM_HELP_BUTTONS: the context-help button instead of the minimise and
+    // maximise boxes on the main mixer and both decks (on), or back.
+    void ShowHelpButtons(bool on);
 
     LResult OnAppMessage(Uwm msg, WParam wParam, LParam lParam) override;
 
   protected:
     void closeEvent(QCloseEvent* event) override;
+    void changeEvent(QEvent* event) override;
     void OnWindowTimer(int id) override;
 
   private:
@@ -186,6 +235,18 @@ class CRynMainMixer : public CRynWindow {
     // without its title bar.
     void ShowTitleBars(bool on);
     void ShowOptionsWindow(bool show);
+    void InitialiseWindowButtons();
+    void ShowDeck(int deck, bool show);
+    void Show3DGraph(bool show);
+    void Show3DGraphNow();
+    void DeckToDefault(int deck);
+    // Shows (or hides) the windows as stored for the current layout.
+    void ShowAsStored();
+    // Each window of `windows` at its default rectangle (toDefaults), or at
+    // its stored one when the user had moved it; the rectangle is stored.
+    void PlaceLayoutWindows(const std::vector<LayoutWindow>& windows, bool toDefaults);
+    void OnMinimiseTimer();
+    void RaiseControlsAboveDisplays();
     void InitialiseMeters();
     void OnMainDeviceLost(const std::string& description);
     void OnMainDeviceBack();
@@ -236,4 +297,9 @@ class CRynMainMixer : public CRynWindow {
     bool sound3D_ = false;
     float listenerX_ = 0.0f, listenerY_ = 0.0f;
     bool surfaceFed_ = false;
+    MainMixerWindowButtons* windowButtons_ = nullptr;
+    QRect layoutArea_;
+    // Where the layout last put each window: a window found elsewhere when
+    // the positions are stored was moved by the user.
+    std::map<const QWidget*, WindowRect> placed_;
 };
