@@ -15,9 +15,11 @@
 #include <QTimer>
 #include <array>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "core/CRynWindow.h"
+#include "deck/tempo/TrackTempoService.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "output/engine/DisplayPacing.h"
 #include "output/engine/MixCycle.h"
@@ -138,6 +140,17 @@ class CRynMainMixer : public CRynWindow {
     void SetGraphIntegers(bool on);
     void ReadCpuLoad();
 
+    // --- Track tempos (MainMixerTempo.cpp) ---
+    // Measures each deck's track off the audio path and shows the tempo it is
+    // heard at in the deck's read-out and the track's play-list row.
+    TrackTempoService& TempoService() { return *tempo_; }
+    // Tests: another service (a fixed estimator, a cache of their own),
+    // before Initialise; started by Initialise.
+    void SetTempoService(std::unique_ptr<TrackTempoService> service);
+    // The deck's track tempo as measured (0: not known) and as heard now.
+    double TrackTempo(int deck) const { return trackBpm_[deck]; }
+    double HeardTrackTempo(int deck) const;
+
     LResult OnAppMessage(Uwm msg, WParam wParam, LParam lParam) override;
 
   protected:
@@ -174,6 +187,9 @@ class CRynMainMixer : public CRynWindow {
     void ShowTitleBars(bool on);
     void ShowOptionsWindow(bool show);
     void InitialiseMeters();
+    void InitialiseTempo();
+    // The deck's read-out from its track tempo and its playback rate now.
+    void ShowTempo(int deck);
     void OnMainDeviceLost(const std::string& description);
     void OnMainDeviceBack();
     static bool ValidDeck(WParam deck) { return deck < 2; }
@@ -210,4 +226,6 @@ class CRynMainMixer : public CRynWindow {
     QTimer watchTimer_;
     QElapsedTimer clock_;
     QLabel* deviceNotice_ = nullptr;
+    std::unique_ptr<TrackTempoService> tempo_;
+    std::array<double, 2> trackBpm_{};
 };
