@@ -48,8 +48,9 @@ void TrackTempoCache::Load() {
     if (file_.isEmpty())
         return;
     QByteArray bytes;
+    FileIdentity identity;
     QString error;
-    if (ReadWholeFile(file_, kMaxFileBytes, &bytes, nullptr, &error) != FileStatus::Ok)
+    if (ReadWholeFile(file_, kMaxFileBytes, &bytes, &identity, &error) != FileStatus::Ok)
         return;
     for (const QByteArray& line : bytes.split('\n')) {
         const QList<QByteArray> f = line.split('\t');
