@@ -50,6 +50,8 @@ TEST(MainMixerTempo, ReadOutShowsTrackTempoTimesPlaybackRate) {
     rig.Deck(0).Tempo().StepTempo(8.0);
     EXPECT_TRUE(WaitFor([&] { return mixer.Meters().BpmText(0) == "129.6 BPM"; }));
     EXPECT_EQ(mixer.Meters().BpmText(0), "129.6 BPM");
+    mixer.resize(900, 420);
+    EXPECT_TRUE(mixer.grab().save(QStringLiteral(MIXORA_BINARY_DIR "/main-mixer-tempo.png")));
     rig.Deck(0).Tempo().StepTempo(-8.0);
     EXPECT_TRUE(WaitFor([&] { return Shown(mixer, 0) < 121; }));
     EXPECT_NEAR(Shown(mixer, 0), 120.0, 0.5);
