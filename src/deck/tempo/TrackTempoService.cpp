@@ -1,6 +1,11 @@
 #include "deck/tempo/TrackTempoService.h"
 
 #include <QMetaObject>
+#include <chrono>
+
+#include "core/EngineState.h"
+#include "platform/media/RemovableDrive.h"
+#include "sources/CRynFileDecoder.h"
 
 #include "core/ThreadPriority.h"
 #include "sources/TrackTempo.h"
@@ -52,6 +57,18 @@ bool TrackTempoService::Wanted(const std::string& path) const {
     return wanted_[0] == path || wanted_[1] == path;
 }
 
+bool TrackTempoService::HoldOff(const std::string& path) const {
+    if (holdOff)
+        return holdOff(path);
+    bool drivePlays = false;
+    for (const DeckSharedState& deck : Engine().decks) {
+        if (deck.decoder && deck.isPlaying.load() != 0 && deck.sourceType.load() == 1 &&
+            deck.decoder->IsOnRemovableDrive())
+            drivePlays = true;
+    }
+    return drivePlays && media::IsPathOnRemovableDrive(path);
+}
+
 void TrackTempoService::Run() {
     ApplyCurrentThreadPriority(ThreadPriority::Lowest);
     std::unique_lock lock(mutex_);
@@ -59,7 +76,9 @@ void TrackTempoService::Run() {
         wake_.wait(lock, [this] { return quit_ || !pending_[0].empty() || !pending_[1].empty(); });
         if (quit_)
             return;
-        const int deck = pending_[0].empty() ? 1 : 0;
+        // The decks take turns, so that one held off cannot keep the other waiting.
+        const int deck = pending_[1 - lastDeck_].empty() ? lastDeck_ : 1 - lastDeck_;
+        lastDeck_ = deck;
         const std::string path = std::move(pending_[deck]);
         pending_[deck].clear();
         measuring_ = path;
@@ -68,6 +87,16 @@ void TrackTempoService::Run() {
 
         const std::optional<TrackTempoCache::Key> key = TrackTempoCache::KeyOf(path);
         std::optional<double> bpm;
+        if (key && !cache_.Find(*key) && HoldOff(path)) {
+            // Asked again in half a second, unless a newer request of the
+            // deck took its slot meanwhile.
+            lock.lock();
+            measuring_.clear();
+            if (pending_[deck].empty() && wanted_[deck] == path)
+                pending_[deck] = path;
+            wake_.wait_for(lock, std::chrono::milliseconds(500), [this] { return quit_; });
+            continue;
+        }
         if (key) {
             bpm = cache_.Find(*key);
             if (bpm) {

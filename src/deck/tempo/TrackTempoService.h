@@ -11,6 +11,10 @@
 // deck no longer holds is dropped. A file that cannot be read gets no answer
 // (and no cache entry); one without a steady beat is answered with 0.
 //
+// A file on an optical or removable drive waits while a deck plays from
+// such a drive, so that the drive is left to play (holdOff; asked again every
+// half second). Files on fixed disks are measured at once.
+//
 // Start runs the worker; Stop (also the destructor) ends it within a block's
 // decoding.
 #pragma once
@@ -48,6 +52,11 @@ class TrackTempoService : public QObject {
     // beat. On the window thread.
     std::function<void(int deck, const std::string& path, double bpm)> onTempo;
 
+    // Whether measuring `path` must wait now. Asked on the worker thread.
+    // Unset: the file lies on a removable drive (RemovableDrive) and a deck
+    // plays a file from one (the engine state's decks). Set it before Start.
+    std::function<bool(const std::string& path)> holdOff;
+
     // Measurements run, and requests answered from the cache (tests, bench).
     int Analyses() const { return analyses_.load(); }
     int CacheHits() const { return cacheHits_.load(); }
@@ -56,6 +65,7 @@ class TrackTempoService : public QObject {
     void Run();
     // Whether any deck still wants `path` (under mutex_).
     bool Wanted(const std::string& path) const;
+    bool HoldOff(const std::string& path) const;
     void Deliver(int deck, const std::string& path, double bpm);
 
     std::unique_ptr<tempo::TempoEstimator> estimator_;
@@ -67,6 +77,7 @@ class TrackTempoService : public QObject {
     std::array<std::string, 2> wanted_;   // what each deck holds now
     std::string measuring_;               // the path being measured, "" = none
     bool quit_ = false;
+    int lastDeck_ = 1;  // the deck whose request was taken last
     std::atomic<bool> stopMeasuring_{false};
 
     std::atomic<int> analyses_{0};

@@ -9,6 +9,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <atomic>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -36,11 +38,13 @@ struct Answer {
 
 // A service with a fixed estimator answering `bpm`, recording its answers.
 struct ServiceRig {
-    explicit ServiceRig(const QString& cacheFile, double bpm = 123.4)
+    explicit ServiceRig(const QString& cacheFile, double bpm = 123.4,
+                        std::function<bool(const std::string&)> holdOff = {})
         : service(std::make_unique<tempo::FixedTempoEstimator>(bpm), cacheFile) {
         service.onTempo = [this](int deck, const std::string& path, double value) {
             answers.push_back({deck, path, value});
         };
+        service.holdOff = std::move(holdOff);
         service.Start();
     }
     bool WaitAnswers(std::size_t n) {
@@ -156,4 +160,26 @@ TEST(TrackTempoService, UnreadableOrWithdrawnTracksGetNoAnswer) {
     EXPECT_TRUE(WaitFor([&] { return rig.service.Analyses() == before + 1; }, 5000));
     rig.service.Stop();
     EXPECT_FALSE(rig.service.IsRunning());
+}
+
+TEST(TrackTempoService, HeldOffTrackWaitsWithoutHoldingUpTheOtherDeck) {
+    const QString a = testsupport::MakeTone("tempo-service-a.wav", 440, 2);
+    const QString b = testsupport::MakeTone("tempo-service-b.wav", 660, 2);
+    ASSERT_FALSE(a.isEmpty() || b.isEmpty());
+    QTemporaryDir dir;
+    std::atomic<bool> drivePlays{true};
+    // `a` stands for a file on a CD while a deck plays from the CD.
+    ServiceRig rig(dir.path() + "/" + TrackTempoCache::kFileName, 123.4,
+                   [&](const std::string& path) { return drivePlays && path == a.toStdString(); });
+    rig.service.Request(0, a.toStdString());
+    rig.service.Request(1, b.toStdString());
+    ASSERT_TRUE(rig.WaitAnswers(1));
+    EXPECT_EQ(rig.answers[0].deck, 1);
+    WaitFor([] { return false; }, 700);
+    EXPECT_EQ(rig.answers.size(), 1u);
+    EXPECT_EQ(rig.service.Analyses(), 1);
+    drivePlays = false;
+    ASSERT_TRUE(rig.WaitAnswers(2));
+    EXPECT_EQ(rig.answers[1].deck, 0);
+    EXPECT_EQ(rig.answers[1].path, a.toStdString());
 }
