@@ -28,6 +28,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "core/CRynWindow.h"
 #include "deck/disc/DeckInfoStats.h"
@@ -169,6 +170,12 @@ class CRynDeck : public CRynWindow {
     // --- Tempo ---
     void ApplyTempo();
 
+    // The file the deck holds changed: its path after a load or when the
+    // next track followed on, "" when no file is held (a failed load, CD
+    // mode). Fired once per change, on the window thread.
+    std::function<void(const std::string& path)> onTrackChanged;
+    std::string HeldFile() const { return heldFile_; }
+
     // A notice shown in the track name display instead of the name (in red)
     // while it is not empty: the sound device was lost. The track name
     // itself is kept and comes back when the notice is cleared.
@@ -273,6 +280,8 @@ class CRynDeck : public CRynWindow {
     // Window state.
     QString trackNameText_;
     QString deviceNotice_;
+    std::string heldFile_;  // what onTrackChanged last told
+    void NoteHeldFile(const std::string& path);
     bool progressFollowsPlay_ = true;
     bool trackEnded_ = false;
     int savedDriveItem_ = 0;

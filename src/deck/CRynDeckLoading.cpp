@@ -33,6 +33,7 @@ int CRynDeck::LoadTrack() {
     const DeckSource::LoadStatus status = source_->LoadCurrent();
     if (status != DeckSource::LoadStatus::Ok) {
         SetTrackName(QString::fromUtf8(DeckSource::LoadFailureText(status)));
+        NoteHeldFile({});
         // A turning turntable keeps reading whatever the source now holds.
         if (Rotating())
             transport_->StartReading();
@@ -70,11 +71,23 @@ void CRynDeck::RefreshTrackInfo() {
     QString name = QString::fromStdString(list.Title(current));
     if (name.isEmpty())
         name = QString::fromStdString(list.FileTitle(current));
-    if (source_->Mode() == DeckSource::kFileMode && decoder_->IsOpen())
+    const bool fileMode = source_->Mode() == DeckSource::kFileMode;
+    if (fileMode && decoder_->IsOpen())
         list.SetCurrentDuration(static_cast<float>(decoder_->DurationSeconds()));
+    // The decoder closes itself at the end of the file; the track is still
+    // the deck's until another one is loaded.
+    NoteHeldFile(fileMode ? decoder_->FileName() : std::string());
     if (current >= 0)
         SetTrackName(name);
     RefreshTrackNumber();
+}
+
+void CRynDeck::NoteHeldFile(const std::string& path) {
+    if (path == heldFile_)
+        return;
+    heldFile_ = path;
+    if (onTrackChanged)
+        onTrackChanged(path);
 }
 
 void CRynDeck::RefreshTrackNumber() {

@@ -1,5 +1,6 @@
 #include "playlist/PlayList.h"
 
+#include <cmath>
 #include <utility>
 
 #include "playlist/FolderScan.h"
@@ -63,6 +64,24 @@ std::string PlayList::DurationText(int i) const {
 void PlayList::SetDuration(int i, float seconds) {
     if (Valid(i))
         entries_[i].duration = NormalizedDuration(seconds);
+}
+
+float PlayList::Tempo(int i) const {
+    return Valid(i) ? entries_[i].tempo : 0.0f;
+}
+
+std::string PlayList::TempoText(int i) const {
+    return FormatTempo(Tempo(i));
+}
+
+int PlayList::SetTempoOf(const std::string& path, float bpm) {
+    int n = 0;
+    for (PlayListEntry& e : entries_)
+        if (!path.empty() && e.path == path) {
+            e.tempo = bpm > 0.0f && std::isfinite(bpm) ? bpm : 0.0f;
+            ++n;
+        }
+    return n;
 }
 
 // --- Edits ---

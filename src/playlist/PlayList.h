@@ -53,6 +53,11 @@ class PlayList {
     std::string TagTitle(int i);
     std::string DurationText(int i) const;  // "m:ss", "" when unknown
     void SetDuration(int i, float seconds);
+    float Tempo(int i) const;            // beats per minute; 0 when not known
+    std::string TempoText(int i) const;  // "128.0", "" when not known
+    // Stores the measured tempo in every entry of the file `path`; returns
+    // how many entries took it.
+    int SetTempoOf(const std::string& path, float bpm);
     bool Loaded(int i) const;
     bool Probing(int i) const;
 

@@ -19,6 +19,7 @@ struct PlayListEntry {
     float duration = kUnknownDuration;  // seconds; kUnknownDuration when not known
     std::string path;                   // full path, or "Track <n>" for a CD track
     std::int32_t itemNumber = 0;        // row item data; CD lists keep the track number
+    float tempo = 0.0f;                 // beats per minute as measured; 0 when not known
 };
 
 // Maps negative and NaN durations to kUnknownDuration and clamps the rest to
@@ -31,3 +32,5 @@ std::int64_t WholeSeconds(float seconds);
 // "m:ss" of the whole seconds: minutes, a colon, two-digit seconds ("3:07",
 // "12:45", "0:09"); the empty text for an unknown duration.
 std::string FormatDuration(float seconds);
+// A tempo with one decimal ("120.0", "87.5"); the empty text for 0 (not known).
+std::string FormatTempo(float bpm);

@@ -383,5 +383,6 @@ TEST(PlayListWindow, RendersInFileAndCdModeToPngs) {
     EXPECT_EQ(rig.window->RowText(0), "Track 1");
     EXPECT_EQ(rig.window->RowTime(1), "2:34");
     // The File mode buttons are hidden in CD mode, and the list grows into their place.
-    EXPECT_EQ(rig.window->ListControl()->columnWidth(0), 460 - CRynPlayList::kFilesColumnMargin);
+    EXPECT_EQ(rig.window->ListControl()->columnWidth(0),
+              460 - CRynPlayList::kFilesColumnMargin - CRynPlayList::kTempoColumnWidth);
 }

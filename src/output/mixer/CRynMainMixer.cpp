@@ -116,6 +116,7 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
     panel_->Initialise();
     InitialiseWindowButtons();
     InitialiseMeters();
+    InitialiseTempo();
     for (int d = 0; d < 2; ++d) {
         cycle_.BindDeck(d, decks_[d] ? &decks_[d]->Transport() : nullptr);
         // Until the layout asks for a quarter, each deck runs at its user's
@@ -616,6 +617,7 @@ LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
             break;
         case UWM_SET_FORWARD_FREQUENCY:
             sink_->SetForwardFrequency(deck, value);
+            ShowTempo(deck);
             break;
         case UWM_SET_FORWARD_POSITION:
             sink_->SetForwardPosition(deck, value);

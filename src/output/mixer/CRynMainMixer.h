@@ -18,10 +18,12 @@
 #include <functional>
 #include <span>
 #include <map>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "core/CRynWindow.h"
+#include "deck/tempo/TrackTempoService.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "output/engine/DisplayPacing.h"
 #include "output/engine/MixCycle.h"
@@ -198,6 +200,16 @@ class CRynMainMixer : public CRynWindow {
     // UWM_HELP_BUTTONS: the context-help button instead of the minimise and
     // maximise boxes on the main mixer and both decks (on), or back.
     void ShowHelpButtons(bool on);
+    // --- Track tempos (MainMixerTempo.cpp) ---
+    // Measures each deck's track off the audio path and shows the tempo it is
+    // heard at in the deck's read-out and the track's play-list row.
+    TrackTempoService& TempoService() { return *tempo_; }
+    // Tests: another service (a fixed estimator, a cache of their own),
+    // before Initialise; started by Initialise.
+    void SetTempoService(std::unique_ptr<TrackTempoService> service);
+    // The deck's track tempo as measured (0: not known) and as heard now.
+    double TrackTempo(int deck) const { return trackBpm_[deck]; }
+    double HeardTrackTempo(int deck) const;
 
     LResult OnAppMessage(Uwm msg, WParam wParam, LParam lParam) override;
 
@@ -248,6 +260,9 @@ class CRynMainMixer : public CRynWindow {
     void OnMinimiseTimer();
     void RaiseControlsAboveDisplays();
     void InitialiseMeters();
+    void InitialiseTempo();
+    // The deck's read-out from its track tempo and its playback rate now.
+    void ShowTempo(int deck);
     void OnMainDeviceLost(const std::string& description);
     void OnMainDeviceBack();
     static bool ValidDeck(WParam deck) { return deck < 2; }
@@ -302,4 +317,6 @@ class CRynMainMixer : public CRynWindow {
     // Where the layout last put each window: a window found elsewhere when
     // the positions are stored was moved by the user.
     std::map<const QWidget*, WindowRect> placed_;
+    std::unique_ptr<TrackTempoService> tempo_;
+    std::array<double, 2> trackBpm_{};
 };

@@ -103,6 +103,9 @@ void MixerMeters::BuildDeck(int d) {
         beatLamps_[d][i] = l;
     }
     bpm_[d] = new QLabel(QStringLiteral("--- BPM"), this);
+    // Room for "188.8 BPM" so the row does not move as the tempo changes.
+    bpm_[d]->setMinimumWidth(bpm_[d]->fontMetrics().horizontalAdvance(QStringLiteral("888.8 BPM")));
+    bpm_[d]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     graphs_[d] = new CNiGraph(this);
     graphs_[d]->setFixedSize(90, 36);
     graphs_[d]->SetAxisLabelsVisible(false);
@@ -276,6 +279,11 @@ double MixerMeters::CpuValue() const {
 
 QString MixerMeters::BpmText(int deck) const {
     return bpm_[deck]->text();
+}
+
+void MixerMeters::SetBpmText(int deck, const QString& text) {
+    if (bpm_[deck]->text() != text)
+        bpm_[deck]->setText(text);
 }
 
 bool MixerMeters::eventFilter(QObject* watched, QEvent* event) {

@@ -2,8 +2,9 @@
 // of the block being heard, a decibel meter of 9 lamps (4 green, 4 yellow,
 // 1 red), a beat lamp, a beat meter of 12 lamps in the deck's two colours, a
 // small graph ("Bars": the band values; "Scope": one trace of the band
-// groups summed; right click switches) and a beats-per-minute read-out that keeps its first
-// text; and for the program the processor load and the system overload lamp.
+// groups summed; right click switches) and a beats-per-minute read-out (the
+// tempo the deck's track is heard at); and for the program the processor load and the system
+// overload lamp.
 //
 // The decibel meter is a moving bar (LampBar mode 0, at most three lamps per
 // update) of f = L / (96.33/√2) − 0.4 for the RMS level L; the beat meter a
@@ -85,6 +86,8 @@ class MixerMeters : public QWidget {
     QString CpuText() const;
     double CpuValue() const;
     QString BpmText(int deck) const;
+    // The deck's beats-per-minute read-out: its text ("129.6 BPM").
+    void SetBpmText(int deck, const QString& text);
 
     // The user pressed a deck's meters enable button (its new state).
     std::function<void(int deck, bool on)> onEnableMeters;

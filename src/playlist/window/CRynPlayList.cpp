@@ -89,8 +89,9 @@ void CRynPlayList::SetCddbClient(std::shared_ptr<cd::CddbClient> client) {
 
 void CRynPlayList::BuildControls() {
     rows_ = new QTreeWidget(this);
-    rows_->setColumnCount(2);
-    rows_->setHeaderLabels({QStringLiteral("Files"), QStringLiteral("Time")});
+    rows_->setColumnCount(3);
+    rows_->setHeaderLabels(
+        {QStringLiteral("Files"), QStringLiteral("Time"), QStringLiteral("BPM")});
     rows_->setRootIsDecorated(false);
     rows_->setUniformRowHeights(true);
     rows_->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -98,6 +99,7 @@ void CRynPlayList::BuildControls() {
     rows_->header()->setStretchLastSection(false);
     rows_->header()->setSectionResizeMode(QHeaderView::Interactive);
     rows_->setColumnWidth(1, kTimeColumnWidth);
+    rows_->setColumnWidth(2, kTempoColumnWidth);
 
     openList_ = MakeCommand(this, QStringLiteral("Open"), QStringLiteral("open list"));
     addFile_ = MakeCommand(this, QStringLiteral("Add Files"),
@@ -215,8 +217,9 @@ void CRynPlayList::PlaceControls() {
     const std::array<CNiButton*, 4> rowB{nameTagPath_, delete_, moveUp_, moveDown_};
     for (std::size_t i = 0; i < rowB.size(); ++i)
         put(rowB[i], Place{i / 4.0, kRowB, 0.25, kButtonHeight});
-    // The "Files" column takes the list's width less room for the time.
-    const int files = static_cast<int>(std::trunc(w * kListWidth)) - kFilesColumnMargin;
+    // The "Files" column takes the list's width less room for the time and tempo.
+    const int files =
+        static_cast<int>(std::trunc(w * kListWidth)) - kFilesColumnMargin - kTempoColumnWidth;
     rows_->setColumnWidth(0, std::max(0, files));
 }
 

@@ -73,6 +73,9 @@ class CRynPlayList : public CRynWindow, public PlayListView {
     // The "Time" column's width, and what the "Files" column leaves beside it.
     static constexpr int kTimeColumnWidth = 60;
     static constexpr int kFilesColumnMargin = 88;
+    // The "BPM" column (the tracks' measured tempos) beside the time; the
+    // "Files" column leaves room for it too.
+    static constexpr int kTempoColumnWidth = 48;
     // What the time column shows for a file whose duration cannot be measured.
     static constexpr const char* kNoDuration = "-:--";
 
@@ -136,6 +139,9 @@ class CRynPlayList : public CRynWindow, public PlayListView {
 
     // --- What the user sees (tests read these) ---
     QTreeWidget* ListControl() const { return rows_; }
+    // The tempo measured for the file `path`: stored in its entries and shown
+    // in their "BPM" cells (one decimal; bpm 0 shows nothing).
+    void ShowTempo(const std::string& path, float bpm);
     int RowCount() const;
     QString RowText(int row) const;
     QString RowTime(int row) const;

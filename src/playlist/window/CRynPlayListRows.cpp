@@ -122,10 +122,21 @@ QTreeWidgetItem* CRynPlayList::MakeRow(int row) {
     item->setText(0, RowTextFor(row));
     item->setText(1, QString::fromStdString(list_.DurationText(row)));
     item->setTextAlignment(1, Qt::AlignRight | Qt::AlignVCenter);
+    item->setText(2, QString::fromStdString(list_.TempoText(row)));
+    item->setTextAlignment(2, Qt::AlignRight | Qt::AlignVCenter);
     item->setData(0, Qt::UserRole, static_cast<int>(list_.ItemNumber(row)));
     item->setIcon(0, RowIcon(1));
     item->setData(1, Qt::UserRole, 1);
     return item;
+}
+
+void CRynPlayList::ShowTempo(const std::string& path, float bpm) {
+    if (list_.SetTempoOf(path, bpm) == 0)
+        return;
+    for (int row = 0; row < RowCount(); ++row)
+        if (list_.Path(row) == path)
+            if (QTreeWidgetItem* item = rows_->topLevelItem(row))
+                item->setText(2, QString::fromStdString(list_.TempoText(row)));
 }
 
 void CRynPlayList::InsertRow(int row) {
