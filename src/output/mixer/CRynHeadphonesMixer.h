@@ -18,9 +18,13 @@
 // main mixer's, following its curve selector) times the two levels, as the
 // deck gains of the headphones device only.
 //
-// A device that cannot be opened or stops playing loses only the headphones
-// sound: the output is closed, the volume slide disabled and a message
-// shown; the main device is not touched.
+// A device that cannot be opened loses only the headphones sound: the output
+// is closed, the volume slide disabled and a message shown; the main device
+// is not touched. A device that stops playing (its sound server gone, the
+// card unplugged) is noticed by the mixer's device watch within a second:
+// the headphones go quiet on the Null device, the status line says so, and
+// the chosen device is opened again when it comes back
+// (CRynHeadphonesMixerDevice.cpp).
 //
 // Its two plots show what the headphones hear of each deck, in the deck's
 // colour: with one plot both ears, with two the left and the right ear. Each
@@ -33,7 +37,9 @@
 #pragma once
 
 #include <QColor>
+#include <QElapsedTimer>
 #include <QString>
+#include <QTimer>
 #include <array>
 #include <functional>
 #include <string>
@@ -41,6 +47,7 @@
 #include "core/CRynWindow.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "output/engine/HeadphonesSync.h"
+#include "output/engine/OutputDeviceWatch.h"
 #include "output/laws/CrossFaderGains.h"
 
 class CNiButton;
@@ -143,6 +150,18 @@ class CRynHeadphonesMixer : public CRynWindow {
     // Shows a problem to the user. Default: a message box that does not block.
     std::function<void(const QString&)> showMessage;
 
+    // --- The device watch (CRynHeadphonesMixerDevice.cpp) ---
+    // Watches the device opened by identifier, every
+    // OutputDeviceWatch::kCheckMs on a timer of its own; the main output is
+    // never touched by it.
+    OutputDeviceWatch& DeviceWatch() { return watch_; }
+    // The chosen headphones device has stopped playing and is being looked for.
+    bool DeviceLost() const { return watch_.Lost(); }
+    // The chosen device came back and was opened again (with the volume, the
+    // headphones mix and the balances on it): the owner gives it the decks
+    // that have buffers on the main device (MixCycle::AttachHeadphones).
+    std::function<void()> onDeviceBack;
+
   protected:
     // The close box hides the window and tells the main mixer.
     void closeEvent(QCloseEvent* event) override;
@@ -162,10 +181,18 @@ class CRynHeadphonesMixer : public CRynWindow {
     // answering, set aside unclosed), volume off, message shown.
     void Lose(const QString& message, bool stalled = false);
     void NoteStall(int deck);
+    void SetUpDeviceWatch();
+    // Watches `identifier` from now on ("" or the Null device: nothing).
+    void WatchDevice(const std::string& identifier);
+    void OnDeviceLost(const std::string& description);
+    void OnDeviceBack(const std::string& description);
 
     WindowHandle mainMixer_ = 0;
     std::array<std::array<QColor, 2>, 2> colours_{};
     CRynAudioOutput output_;
+    OutputDeviceWatch watch_{output_};
+    QTimer watchTimer_;
+    QElapsedTimer watchClock_;
     // A device that stopped answering: closing it may block until its sound
     // server answers, so it is closed only when another device is chosen or
     // the mixer goes.

@@ -88,6 +88,7 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
                 phones->SyncToMain(deck, cursor, now, rate);
         };
         panel_->onCurveChanged = [phones](float c) { phones->SetCurve(c); };
+        phones->onDeviceBack = [this] { GiveDecksToHeadphones(); };
         phones->SetCurve(panel_->Curve());
     }
     panel_->onShowPhones = [this](bool show) {
@@ -184,12 +185,8 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
 void CRynMainMixer::ChooseHeadphonesDevice(const std::string& identifier) {
     if (!headphones_)
         return;
-    if (headphones_->OpenDevice(identifier) && !identifier.empty()) {
-        cycle_.AttachHeadphones();
-        headphones_->ApplyMix();
-        for (int d = 0; d < 2; ++d)
-            headphones_->ApplyPan(d);
-    }
+    if (headphones_->OpenDevice(identifier) && !identifier.empty())
+        GiveDecksToHeadphones();
 }
 
 void CRynMainMixer::ShowOptionsWindow(bool show) {

@@ -176,6 +176,10 @@ class CRynMainMixer : public CRynWindow {
     void InitialiseMeters();
     void OnMainDeviceLost(const std::string& description);
     void OnMainDeviceBack();
+    // A headphones device was opened (chosen, or back after a loss): the
+    // decks with buffers on the main device get them on it, in step, with
+    // their effects, the headphones mix and balances (MainMixerHeadphones.cpp).
+    void GiveDecksToHeadphones();
     static bool ValidDeck(WParam deck) { return deck < 2; }
 
     WindowHandle host_ = 0;
@@ -185,6 +189,8 @@ class CRynMainMixer : public CRynWindow {
     QWidget* configure_ = nullptr;
     CRynAudioOutput mainOutput_;
     CRynAudioOutput* headphonesOutput_ = nullptr;
+    // Set while the effect messages are applied to one output only.
+    CRynAudioOutput* effectsOnly_ = nullptr;
     MixCycle cycle_;
     MixStepSink* sink_ = &cycle_;
     std::array<WriteAheadTarget, 2> targets_{};
