@@ -116,6 +116,13 @@ class CRynHeadphonesMixer : public CRynWindow {
     void SetDeckGraphsOn(int deck, bool on);
     // A stopped deck: its traces leave the plots.
     void ClearDeck(int deck);
+    // The control ids of the two plots: a double click on one is passed to
+    // the main mixer as UWM_GRAPH_DOUBLE_CLICK (template 143, the id).
+    static constexpr int kPlotIds[2] = {1061, 1062};
+    // One plot on or off when a graph is shown alone (off: cleared and no
+    // longer drawn).
+    void SetPlotOn(int which, bool on);
+    bool PlotOn(int which) const { return plotOn_[which == 1 ? 1 : 0]; }
     // The window is shown with a plot in "Scope": the decks build traces.
     bool WantsScope() const;
     // Plots drawn so far (tests).
@@ -218,5 +225,6 @@ class CRynHeadphonesMixer : public CRynWindow {
     std::array<double, kBarColumns + 1> bars_{};
     std::array<double, 100> trace_{};
     std::array<bool, 2> deckOn_{true, true};
+    std::array<bool, 2> plotOn_{true, true};
     int plotDraws_ = 0;
 };

@@ -168,6 +168,9 @@ void CRynHeadphonesMixer::Connect() {
     connect(separateEars_, &CNiButton::valueChanged, this, &CRynHeadphonesMixer::OnSeparateEars);
     connect(plotCount_, &CNiButton::valueChanged, this, &CRynHeadphonesMixer::OnPlotCount);
     for (int i = 0; i < 2; ++i) {
+        connect(plots_[i], &CNiControl::doubleClicked, this, [this, i] {
+            SendAppMessage(mainMixer_, UWM_GRAPH_DOUBLE_CLICK, kTemplateId, kPlotIds[i]);
+        });
         connect(plotTypes_[i], &CNiButton::valueChanged, this, [this, i](bool) {
             ShapePlot(i);
             if (!loading_)
