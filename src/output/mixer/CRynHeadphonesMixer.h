@@ -193,6 +193,8 @@ class CRynHeadphonesMixer : public CRynWindow {
     void WatchDevice(const std::string& identifier);
     void OnDeviceLost(const std::string& description);
     void OnDeviceBack(const std::string& description);
+    // The maximum write-ahead asked of the main mixer (true) or withdrawn.
+    void RaiseLatencyWhileLost(bool raise);
 
     WindowHandle mainMixer_ = 0;
     std::array<std::array<QColor, 2>, 2> colours_{};
@@ -200,6 +202,7 @@ class CRynHeadphonesMixer : public CRynWindow {
     OutputDeviceWatch watch_{output_};
     QTimer watchTimer_;
     QElapsedTimer watchClock_;
+    bool latencyRaised_ = false;
     // A device that stopped answering: closing it may block until its sound
     // server answers, so it is closed only when another device is chosen or
     // the mixer goes.

@@ -13,6 +13,13 @@
 //            it had, the headphones mix and balances are set on the new
 //            buffers and onDeviceBack gives it the decks that play.
 //
+// Opening a device again holds this thread up for a moment (a JACK client
+// takes some 200 ms to join its server), longer than the mix cycle's usual
+// write-ahead: so while the device is lost the main mixer is asked for the
+// maximum write-ahead (UWM_LATENCY_MAXIMUM, as for a file dialog), which the
+// main output fills long before the device returns, and the request is
+// withdrawn once it is back or another device is chosen.
+//
 // User-interface thread only.
 #include <QLabel>
 
@@ -52,7 +59,16 @@ void CRynHeadphonesMixer::SetUpDeviceWatch() {
             [this] { watch_.Check(static_cast<double>(watchClock_.elapsed())); });
 }
 
+void CRynHeadphonesMixer::RaiseLatencyWhileLost(bool raise) {
+    if (raise == latencyRaised_)
+        return;
+    latencyRaised_ = raise;
+    // lParam 0 requests the maximum write-ahead, 1 withdraws it.
+    SendAppMessage(mainMixer_, UWM_LATENCY_MAXIMUM, 0, raise ? 0 : 1);
+}
+
 void CRynHeadphonesMixer::WatchDevice(const std::string& identifier) {
+    RaiseLatencyWhileLost(false);
     watch_.Watch(identifier);
     status_->setStyleSheet(QString());
     if (watch_.Watched().empty())
@@ -70,6 +86,7 @@ void CRynHeadphonesMixer::OnDeviceLost(const std::string& description) {
         lastCursor_[deck] = -1;
         stalled_[deck] = 0;
     }
+    RaiseLatencyWhileLost(true);
     status_->setStyleSheet(kLostStyle);
     status_->setText(QStringLiteral("Headphones device lost: %1. The headphones are off until it "
                                     "returns; Mixora reopens it then.")
@@ -91,4 +108,5 @@ void CRynHeadphonesMixer::OnDeviceBack(const std::string& description) {
     status_->setText(QStringLiteral("Headphones on %1").arg(QString::fromStdString(description)));
     if (onDeviceBack)
         onDeviceBack();
+    RaiseLatencyWhileLost(false);
 }

@@ -118,9 +118,10 @@ TEST(HeadphonesInMixer, AConfigurationRefreshReachesTheConfigurationWindowThroug
     EXPECT_FALSE(mixer.MainOutput().HasDevice());
     const int before = configure.DeviceList(0)->count();
 
-    // A device appears: the refresh the 3D graph asks of the main mixer
-    // lists it and opens it for the main output.
+    // A device appears and is the stored main choice: the refresh the 3D
+    // graph asks of the main mixer lists it and opens it for the main output.
     devices = {{"Null Output (silent)", sound::kNullDeviceId}};
+    Settings().SetSoundDeviceMain(QStringLiteral("Null Output (silent)"));
     SendAppMessage(mixer.Handle(), UWM_CONFIG_REFRESH, 0, 0);
     EXPECT_EQ(configure.DeviceList(0)->count(), before + 1);
     ASSERT_TRUE(mixer.MainOutput().HasDevice());
