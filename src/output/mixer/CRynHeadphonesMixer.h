@@ -164,6 +164,9 @@ class CRynHeadphonesMixer : public CRynWindow {
     OutputDeviceWatch& DeviceWatch() { return watch_; }
     // The chosen headphones device has stopped playing and is being looked for.
     bool DeviceLost() const { return watch_.Lost(); }
+    // Shutdown: no more looks at the device (nothing is reopened while the
+    // program is torn down).
+    void StopDeviceWatch() { watchTimer_.stop(); }
     // The chosen device came back and was opened again (with the volume, the
     // headphones mix and the balances on it): the owner gives it the decks
     // that have buffers on the main device (MixCycle::AttachHeadphones).

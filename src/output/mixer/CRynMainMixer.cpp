@@ -278,6 +278,8 @@ void CRynMainMixer::KillTimers() {
     for (int id = 1; id <= kTimerCount; ++id)
         KillWindowTimer(id);
     watchTimer_.stop();
+    if (headphones_)
+        headphones_->StopDeviceWatch();
     panel_->SetAutoPan(false);
     panel_->StopTimers();
 }

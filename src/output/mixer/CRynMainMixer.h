@@ -101,7 +101,7 @@ class CRynMainMixer : public CRynWindow {
     // The CD drive deck `deck` holds, -1 for none.
     int DriveOf(int deck) const { return drives_[deck]; }
 
-    // Shutdown: kills timers 1 to 8.
+    // Shutdown: kills timers 1 to 8 and stops both device watches.
     void KillTimers();
 
     NotifyThreads& Notifications() { return notify_; }
