@@ -14,15 +14,17 @@ bool JackServer::Installed() {
 }
 
 bool JackServer::Start() {
+    return Launch() && Run("jack_wait", {"-s", name_, "-w", "-t", "10"}, 20000);
+}
+
+bool JackServer::Launch() {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("JACK_NO_AUDIO_RESERVATION", "1");
     process_.setProcessEnvironment(env);
     process_.setProcessChannelMode(QProcess::MergedChannels);
     process_.start("jackd",
                    {"-n", name_, "--no-realtime", "-d", "dummy", "-r", "44100", "-p", "256"});
-    if (!process_.waitForStarted(10000))
-        return false;
-    return Run("jack_wait", {"-s", name_, "-w", "-t", "10"}, 20000);
+    return process_.waitForStarted(10000);
 }
 
 void JackServer::Stop() {

@@ -26,8 +26,14 @@ class JackServer {
 
     // Starts the server and waits until it runs.
     bool Start();
+    // Starts the server without waiting for it: the caller keeps its event
+    // loop running (the program under test on this thread goes on).
+    bool Launch();
     // Stops it (terminate, then kill) and removes its files.
     void Stop();
+    // Asks it to stop without waiting (Running() turns false once it has
+    // ended; Stop() then removes its files).
+    void Terminate() { process_.terminate(); }
     bool Running() const { return process_.state() != QProcess::NotRunning; }
     const QString& Name() const { return name_; }
     QByteArray Log() { return process_.readAll(); }

@@ -1,11 +1,26 @@
 #include "JackTestSupport.h"
 
 #include <QProcessEnvironment>
+#include <cmath>
+#include <numbers>
 
 #include "JackTestServer.h"
 #include "TestSupport.h"
 
 namespace testsupport {
+
+double ToneAmplitude(const std::vector<float>& s, double hz, double rate) {
+    const double w = 2.0 * std::numbers::pi * hz / rate;
+    double re = 0, im = 0, windowSum = 0;
+    const std::size_t n = s.size();
+    for (std::size_t i = 0; i < n; ++i) {
+        const double hann = 0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * i / (n - 1));
+        re += s[i] * hann * std::cos(w * i);
+        im -= s[i] * hann * std::sin(w * i);
+        windowSum += hann;
+    }
+    return 2.0 * std::hypot(re, im) / windowSum;
+}
 
 bool JackRecorder::Open(const char* name, const char* server) {
     jack_status_t status;

@@ -19,6 +19,10 @@ namespace testsupport {
 // The dummy-driver JACK server of the tests (tests/JackTestServer.h).
 using JackTestServer = JackServer;
 
+// The amplitude of the `hz` tone in `samples` recorded at `rate` frames a
+// second (a Hann-windowed Goertzel filter; a full-scale sine gives 1).
+double ToneAmplitude(const std::vector<float>& samples, double hz, double rate = 44100.0);
+
 class JackRecorder {
   public:
     explicit JackRecorder(std::size_t frames) : left_(frames), right_(frames) {}

@@ -97,7 +97,7 @@ void OutputDeviceWatch::Switch(std::unique_ptr<sound::SoundDevice> device) {
     for (int d = 0; d < kDeckCount; ++d) {
         if (rates[d] == 0)
             continue;
-        output_.CreateDeckBuffers(d, rates[d]);
+        output_.CreateDeckBuffers(d, rates[d], notifyingBuffers);
         if (onBuffersRebuilt)
             onBuffersRebuilt(d);
     }

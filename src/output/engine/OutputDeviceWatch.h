@@ -56,6 +56,13 @@ class OutputDeviceWatch {
     static Directory SystemDirectory();
 
     explicit OutputDeviceWatch(CRynAudioOutput& output, Directory directory = SystemDirectory());
+    // Tests hand in a sound layer of their own.
+    void SetDirectory(Directory directory) { directory_ = std::move(directory); }
+
+    // Whether the deck buffers made again on a new device signal the decks'
+    // notification events: the main output's do (they pace the mix cycle),
+    // the headphones output's must not.
+    bool notifyingBuffers = true;
 
     // The device the user chose for this output, reopened when it comes
     // back; empty, or the Null device: nothing to watch. Ends a loss.

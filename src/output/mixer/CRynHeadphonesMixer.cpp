@@ -35,6 +35,7 @@ CRynHeadphonesMixer::CRynHeadphonesMixer(QWidget* parent)
     volume_->setEnabled(false);
     crossFader_->SetValue(0.0);
     Connect();
+    SetUpDeviceWatch();
     status_->setText(QStringLiteral("No headphones device"));
     resize(300, 300);
     RegisterHeadphonesMixerComponents(*this);
@@ -73,6 +74,7 @@ void CRynHeadphonesMixer::SetDeckColours(int deck, const QColor& first, const QC
 
 bool CRynHeadphonesMixer::OpenDevice(const std::string& identifier) {
     stalledEngine_.reset();
+    WatchDevice(std::string());
     if (identifier.empty()) {
         output_.ReleaseAll();
         output_.CloseDevice();
@@ -88,6 +90,7 @@ bool CRynHeadphonesMixer::OpenDevice(const std::string& identifier) {
                  .arg(QString::fromStdString(identifier)));
         return false;
     }
+    WatchDevice(identifier);
     return Opened(QString::fromStdString(output_.Device()->Description()));
 }
 
@@ -95,11 +98,14 @@ bool CRynHeadphonesMixer::OpenDevice(std::unique_ptr<sound::SoundDevice> device)
     stalledEngine_.reset();
     if (!device)
         return OpenDevice(std::string());
+    WatchDevice(std::string());
+    const std::string identifier = device->Identifier();
     const QString name = QString::fromStdString(device->Description());
     if (output_.OpenDevice(std::move(device), Handle()) != kStatusOk) {
         Lose(QStringLiteral("The headphones device could not be opened; the headphones are off."));
         return false;
     }
+    WatchDevice(identifier);
     return Opened(name);
 }
 
@@ -200,9 +206,10 @@ HeadphonesSync::Step CRynHeadphonesMixer::SyncToMain(int deck, int mainCursor, d
 void CRynHeadphonesMixer::NoteStall(int deck) {
     // A playing buffer whose cursor has not moved since the last step while
     // the main device moved on: the headphones device has stopped (unplugged,
-    // its sound server gone). The manual clock of tests moves only on demand.
+    // its sound server gone). The manual clock of tests moves only on demand;
+    // a watched device's own watchdog tells its loss to the device watch.
     if (!output_.IsForwardPlaying(deck) || output_.Device() == nullptr ||
-        output_.Device()->IsManualClock()) {
+        output_.Device()->IsManualClock() || !watch_.Watched().empty()) {
         lastCursor_[deck] = -1;
         stalled_[deck] = 0;
         return;

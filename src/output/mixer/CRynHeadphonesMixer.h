@@ -18,9 +18,13 @@
 // main mixer's, following its curve selector) times the two levels, as the
 // deck gains of the headphones device only.
 //
-// A device that cannot be opened or stops playing loses only the headphones
-// sound: the output is closed, the volume slide disabled and a message
-// shown; the main device is not touched.
+// A device that cannot be opened loses only the headphones sound: the output
+// is closed, the volume slide disabled and a message shown; the main device
+// is not touched. A device that stops playing (its sound server gone, the
+// card unplugged) is noticed by the mixer's device watch within a second:
+// the headphones go quiet on the Null device, the status line says so, and
+// the chosen device is opened again when it comes back
+// (CRynHeadphonesMixerDevice.cpp).
 //
 // Its two plots show what the headphones hear of each deck, in the deck's
 // colour: with one plot both ears, with two the left and the right ear. Each
@@ -33,7 +37,9 @@
 #pragma once
 
 #include <QColor>
+#include <QElapsedTimer>
 #include <QString>
+#include <QTimer>
 #include <array>
 #include <functional>
 #include <string>
@@ -41,6 +47,7 @@
 #include "core/CRynWindow.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "output/engine/HeadphonesSync.h"
+#include "output/engine/OutputDeviceWatch.h"
 #include "output/laws/CrossFaderGains.h"
 
 class CNiButton;
@@ -109,6 +116,13 @@ class CRynHeadphonesMixer : public CRynWindow {
     void SetDeckGraphsOn(int deck, bool on);
     // A stopped deck: its traces leave the plots.
     void ClearDeck(int deck);
+    // The control ids of the two plots: a double click on one is passed to
+    // the main mixer as UWM_GRAPH_DOUBLE_CLICK (template 143, the id).
+    static constexpr int kPlotIds[2] = {1061, 1062};
+    // One plot on or off when a graph is shown alone (off: cleared and no
+    // longer drawn).
+    void SetPlotOn(int which, bool on);
+    bool PlotOn(int which) const { return plotOn_[which == 1 ? 1 : 0]; }
     // The window is shown with a plot in "Scope": the decks build traces.
     bool WantsScope() const;
     // Plots drawn so far (tests).
@@ -143,6 +157,21 @@ class CRynHeadphonesMixer : public CRynWindow {
     // Shows a problem to the user. Default: a message box that does not block.
     std::function<void(const QString&)> showMessage;
 
+    // --- The device watch (CRynHeadphonesMixerDevice.cpp) ---
+    // Watches the device opened by identifier, every
+    // OutputDeviceWatch::kCheckMs on a timer of its own; the main output is
+    // never touched by it.
+    OutputDeviceWatch& DeviceWatch() { return watch_; }
+    // The chosen headphones device has stopped playing and is being looked for.
+    bool DeviceLost() const { return watch_.Lost(); }
+    // Shutdown: no more looks at the device (nothing is reopened while the
+    // program is torn down).
+    void StopDeviceWatch() { watchTimer_.stop(); }
+    // The chosen device came back and was opened again (with the volume, the
+    // headphones mix and the balances on it): the owner gives it the decks
+    // that have buffers on the main device (MixCycle::AttachHeadphones).
+    std::function<void()> onDeviceBack;
+
   protected:
     // The close box hides the window and tells the main mixer.
     void closeEvent(QCloseEvent* event) override;
@@ -162,10 +191,21 @@ class CRynHeadphonesMixer : public CRynWindow {
     // answering, set aside unclosed), volume off, message shown.
     void Lose(const QString& message, bool stalled = false);
     void NoteStall(int deck);
+    void SetUpDeviceWatch();
+    // Watches `identifier` from now on ("" or the Null device: nothing).
+    void WatchDevice(const std::string& identifier);
+    void OnDeviceLost(const std::string& description);
+    void OnDeviceBack(const std::string& description);
+    // The maximum write-ahead asked of the main mixer (true) or withdrawn.
+    void RaiseLatencyWhileLost(bool raise);
 
     WindowHandle mainMixer_ = 0;
     std::array<std::array<QColor, 2>, 2> colours_{};
     CRynAudioOutput output_;
+    OutputDeviceWatch watch_{output_};
+    QTimer watchTimer_;
+    QElapsedTimer watchClock_;
+    bool latencyRaised_ = false;
     // A device that stopped answering: closing it may block until its sound
     // server answers, so it is closed only when another device is chosen or
     // the mixer goes.
@@ -191,5 +231,6 @@ class CRynHeadphonesMixer : public CRynWindow {
     std::array<double, kBarColumns + 1> bars_{};
     std::array<double, 100> trace_{};
     std::array<bool, 2> deckOn_{true, true};
+    std::array<bool, 2> plotOn_{true, true};
     int plotDraws_ = 0;
 };

@@ -9,6 +9,7 @@
 #include "controls/CNiSlide.h"
 #include "controls/ControlLook.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
+#include "output/mixer/MixerColumns.h"
 #include "settings/CRynSettings.h"
 
 using namespace control_look;
@@ -92,12 +93,9 @@ void CRynHeadphonesMixer::LayOut() {
     auto* top = new QHBoxLayout;
     top->setSpacing(4);
     for (int deck = 0; deck < 2; ++deck) {
-        auto* col = new QVBoxLayout;
-        col->setSpacing(2);
-        levels_[deck]->setFixedSize(28, kSlideHeight);
-        col->addWidget(levels_[deck], 0, Qt::AlignHCenter);
-        col->addWidget(Caption(deck == 0 ? QStringLiteral("A") : QStringLiteral("B"), this));
-        top->addLayout(col);
+        top->addLayout(mixer_columns::LevelColumn(
+            levels_[deck], kSlideHeight, deck == 0 ? QStringLiteral("A") : QStringLiteral("B"),
+            this));
     }
     auto* plots = new QVBoxLayout;
     plots->setSpacing(3);
@@ -114,23 +112,17 @@ void CRynHeadphonesMixer::LayOut() {
     }
     plots->addLayout(plotButtons);
     top->addLayout(plots, 1);
-    auto* vol = new QVBoxLayout;
-    vol->setSpacing(2);
-    volume_->setFixedSize(28, kSlideHeight);
-    vol->addWidget(volume_, 0, Qt::AlignHCenter);
-    vol->addWidget(Caption(QStringLiteral("volume"), this));
-    top->addLayout(vol);
+    top->addLayout(
+        mixer_columns::LevelColumn(volume_, kSlideHeight, QStringLiteral("volume"), this));
 
     auto* pans = new QHBoxLayout;
     pans->setSpacing(6);
     for (int deck = 0; deck < 2; ++deck) {
-        auto* column = new QVBoxLayout;
-        column->setSpacing(0);
-        balances_[deck]->setFixedHeight(22);
-        column->addWidget(balances_[deck]);
-        column->addWidget(
-            Caption(deck == 0 ? QStringLiteral("A balance") : QStringLiteral("B balance"), this));
-        pans->addLayout(column, 1);
+        pans->addLayout(
+            mixer_columns::CaptionedSlide(
+                balances_[deck],
+                deck == 0 ? QStringLiteral("A balance") : QStringLiteral("B balance"), this),
+            1);
         if (deck == 0) {
             separateEars_->setFixedHeight(24);
             pans->addWidget(separateEars_, 0, Qt::AlignTop);
@@ -168,6 +160,9 @@ void CRynHeadphonesMixer::Connect() {
     connect(separateEars_, &CNiButton::valueChanged, this, &CRynHeadphonesMixer::OnSeparateEars);
     connect(plotCount_, &CNiButton::valueChanged, this, &CRynHeadphonesMixer::OnPlotCount);
     for (int i = 0; i < 2; ++i) {
+        connect(plots_[i], &CNiControl::doubleClicked, this, [this, i] {
+            SendAppMessage(mainMixer_, UWM_GRAPH_DOUBLE_CLICK, kTemplateId, kPlotIds[i]);
+        });
         connect(plotTypes_[i], &CNiButton::valueChanged, this, [this, i](bool) {
             ShapePlot(i);
             if (!loading_)

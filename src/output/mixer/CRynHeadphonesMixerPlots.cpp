@@ -65,12 +65,23 @@ void CRynHeadphonesMixer::ClearDeck(int deck) {
         plot->PlotY(deck, std::span<const double>());
 }
 
+void CRynHeadphonesMixer::SetPlotOn(int which, bool on) {
+    which = which == 1 ? 1 : 0;
+    plotOn_[which] = on;
+    if (!on) {
+        for (int deck = 0; deck < 2; ++deck)
+            plots_[which]->PlotY(deck, std::span<const double>());
+    }
+}
+
 void CRynHeadphonesMixer::DrawDeck(int deck, const dsp::DeckAnalysis& analysis, int slot) {
     if (deck < 0 || deck > 1 || !deckOn_[deck] || !isVisible())
         return;
     const int count = plotCount_->Value() ? 2 : 1;
     const unsigned allGroups = (1u << analysis.Groups().groups) - 1;
     for (int which = 0; which < count; ++which) {
+        if (!plotOn_[which])
+            continue;
         // One plot: both ears; two: the left ear, then the right.
         const int channel = count == 1 ? -1 : which;
         if (PlotIsScope(which)) {

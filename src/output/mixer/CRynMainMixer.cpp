@@ -102,6 +102,7 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
             SendAppMessage(host_, UWM_DIAGNOSTICS, static_cast<WParam>(deck), 0);
         };
         panel_->onCurveChanged = [phones](float c) { phones->SetCurve(c); };
+        phones->onDeviceBack = [this] { GiveDecksToHeadphones(); };
         phones->SetCurve(panel_->Curve());
     }
     panel_->onShowPhones = [this](bool show) {
@@ -200,12 +201,8 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
 void CRynMainMixer::ChooseHeadphonesDevice(const std::string& identifier) {
     if (!headphones_)
         return;
-    if (headphones_->OpenDevice(identifier) && !identifier.empty()) {
-        cycle_.AttachHeadphones();
-        headphones_->ApplyMix();
-        for (int d = 0; d < 2; ++d)
-            headphones_->ApplyPan(d);
-    }
+    if (headphones_->OpenDevice(identifier) && !identifier.empty())
+        GiveDecksToHeadphones();
 }
 
 void CRynMainMixer::ShowOptionsWindow(bool show) {
@@ -297,6 +294,8 @@ void CRynMainMixer::KillTimers() {
     for (int id = 1; id <= kTimerCount; ++id)
         KillWindowTimer(id);
     watchTimer_.stop();
+    if (headphones_)
+        headphones_->StopDeviceWatch();
     panel_->SetAutoPan(false);
     panel_->StopTimers();
 }
@@ -498,6 +497,12 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             }
             return 0;
         }
+        case UWM_CONFIG_REFRESH:
+            // The configuration window reads the devices and the stored
+            // choices again and applies them.
+            if (auto* configure = dynamic_cast<CRynWindow*>(configure_))
+                return SendAppMessage(configure->Handle(), msg, wParam, lParam);
+            return 0;
         case UWM_GRAPH_NUMBER_TYPE:
             // (1, 0) for floats, (0, 1) for integers.
             SetGraphIntegers(lParam != 0);

@@ -112,7 +112,7 @@ class CRynMainMixer : public CRynWindow {
     // The CD drive deck `deck` holds, -1 for none.
     int DriveOf(int deck) const { return drives_[deck]; }
 
-    // Shutdown: kills timers 1 to 8.
+    // Shutdown: kills timers 1 to 8 and stops both device watches.
     void KillTimers();
 
     NotifyThreads& Notifications() { return notify_; }
@@ -265,6 +265,10 @@ class CRynMainMixer : public CRynWindow {
     void ShowTempo(int deck);
     void OnMainDeviceLost(const std::string& description);
     void OnMainDeviceBack();
+    // A headphones device was opened (chosen, or back after a loss): the
+    // decks with buffers on the main device get them on it, in step, with
+    // their effects, the headphones mix and balances (MainMixerHeadphones.cpp).
+    void GiveDecksToHeadphones();
     static bool ValidDeck(WParam deck) { return deck < 2; }
     LResult On3DGraphMessage(Uwm msg, WParam wParam, LParam lParam);
     // The listener law's gains for the position, on the main device's listener.
@@ -283,6 +287,8 @@ class CRynMainMixer : public CRynWindow {
     QWidget* configure_ = nullptr;
     CRynAudioOutput mainOutput_;
     CRynAudioOutput* headphonesOutput_ = nullptr;
+    // Set while the effect messages are applied to one output only.
+    CRynAudioOutput* effectsOnly_ = nullptr;
     MixCycle cycle_;
     MixStepSink* sink_ = &cycle_;
     std::array<WriteAheadTarget, 2> targets_{};

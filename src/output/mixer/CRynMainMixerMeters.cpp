@@ -133,6 +133,12 @@ void CRynMainMixer::SelectGraphOnly(int templateId, int controlId) {
         const bool mixerGraph = templateId == kTemplateId && controlId == kBandGraphIds[d];
         meters_->BandGraph(d)->setVisible(restore || mixerGraph);
     }
+    if (headphones_) {
+        for (int i = 0; i < 2; ++i) {
+            headphones_->SetPlotOn(i, restore || (templateId == CRynHeadphonesMixer::kTemplateId &&
+                                                  controlId == CRynHeadphonesMixer::kPlotIds[i]));
+        }
+    }
 }
 
 void CRynMainMixer::SetGraphIntegers(bool on) {

@@ -23,7 +23,7 @@ LResult CRynMainMixer::OnEffectMessage(Uwm msg, WParam wParam, LParam lParam) {
     DeckEffectsPanel* panel = decks_[deck] ? &decks_[deck]->Effects() : nullptr;
     auto onBoth = [&](auto&& op) {
         for (CRynAudioOutput* o : {&mainOutput_, headphonesOutput_})
-            if (o)
+            if (o && (!effectsOnly_ || o == effectsOnly_))
                 op(*o, o->Effects(deck), o->ForwardBuffer(deck));
     };
     auto knob = [&](int n) {

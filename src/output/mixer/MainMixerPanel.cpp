@@ -13,6 +13,7 @@
 #include "controls/ControlLook.h"
 #include "output/engine/CRynAudioOutput.h"
 #include "output/laws/MasterLine.h"
+#include "output/mixer/MixerColumns.h"
 #include "settings/CRynSettings.h"
 
 using namespace control_look;
@@ -166,12 +167,9 @@ void MainMixerPanel::LayOut() {
     top->setSpacing(4);
 
     for (int deck = 0; deck < 2; ++deck) {
-        auto* col = new QVBoxLayout;
-        col->setSpacing(2);
-        levels_[deck]->setFixedSize(28, kSlideHeight);
-        col->addWidget(levels_[deck], 0, Qt::AlignHCenter);
-        col->addWidget(Caption(deck == 0 ? QStringLiteral("A") : QStringLiteral("B"), this));
-        top->addLayout(col);
+        top->addLayout(mixer_columns::LevelColumn(
+            levels_[deck], kSlideHeight, deck == 0 ? QStringLiteral("A") : QStringLiteral("B"),
+            this));
     }
 
     auto* centre = new QVBoxLayout;
@@ -192,12 +190,8 @@ void MainMixerPanel::LayOut() {
     centre->addWidget(Caption(QStringLiteral("curve"), this));
     top->addLayout(centre, 1);
 
-    auto* vol = new QVBoxLayout;
-    vol->setSpacing(2);
-    volume_->setFixedSize(28, kSlideHeight);
-    vol->addWidget(volume_, 0, Qt::AlignHCenter);
-    vol->addWidget(Caption(QStringLiteral("volume"), this));
-    top->addLayout(vol);
+    top->addLayout(
+        mixer_columns::LevelColumn(volume_, kSlideHeight, QStringLiteral("volume"), this));
 
     auto* fader = new QHBoxLayout;
     crossFader_->setFixedHeight(28);
@@ -205,19 +199,11 @@ void MainMixerPanel::LayOut() {
 
     auto* bottom = new QHBoxLayout;
     bottom->setSpacing(6);
-    // A 22-pixel slide with its caption under it.
-    const auto captioned = [this](CNiSlide* slide, const QString& caption) {
-        auto* column = new QVBoxLayout;
-        column->setSpacing(0);
-        slide->setFixedHeight(22);
-        column->addWidget(slide);
-        column->addWidget(Caption(caption, this));
-        return column;
-    };
-    bottom->addLayout(captioned(balance_, QStringLiteral("balance")), 3);
+    bottom->addLayout(mixer_columns::CaptionedSlide(balance_, QStringLiteral("balance"), this), 3);
     autoPanButton_->setFixedHeight(24);
     bottom->addWidget(autoPanButton_, 0, Qt::AlignTop);
-    bottom->addLayout(captioned(autoPanSpeed_, QStringLiteral("pan speed")), 2);
+    bottom->addLayout(
+        mixer_columns::CaptionedSlide(autoPanSpeed_, QStringLiteral("pan speed"), this), 2);
 
     auto* shows = new QHBoxLayout;
     shows->setSpacing(6);

@@ -4,6 +4,8 @@
 // the show buttons and the close boxes, and the title bars.
 #include <gtest/gtest.h>
 
+#include <QComboBox>
+
 #include "TestSupport.h"
 #include "controls/CNiButton.h"
 #include "deck/CRynDeck.h"
@@ -101,4 +103,28 @@ TEST(HeadphonesInMixer, ShowButtonsCloseBoxesAndTitleBars) {
     SendAppMessage(mixer.Handle(), UWM_TITLE_BARS, 1);
     EXPECT_FALSE(phones.windowFlags().testFlag(Qt::FramelessWindowHint));
     EXPECT_TRUE(Settings().GetTitleBarsOnState());
+}
+
+TEST(HeadphonesInMixer, AConfigurationRefreshReachesTheConfigurationWindowThroughTheMainMixer) {
+    CRynHeadphonesMixer phones;
+    PlaybackRig rig(false, false, &phones);
+    phones.Initialise(rig.Mixer().Handle());
+    CRynMainMixer& mixer = rig.Mixer();
+    CRynConfigure configure;
+    std::vector<sound::SoundDeviceInfo> devices;
+    configure.enumerate = [&] { return devices; };
+    mixer.SetConfigureWindow(&configure);
+    configure.Initialise(mixer.Handle());  // no devices: both outputs disabled
+    EXPECT_FALSE(mixer.MainOutput().HasDevice());
+    const int before = configure.DeviceList(0)->count();
+
+    // A device appears and is the stored main choice: the refresh the 3D
+    // graph asks of the main mixer lists it and opens it for the main output.
+    devices = {{"Null Output (silent)", sound::kNullDeviceId}};
+    Settings().SetSoundDeviceMain(QStringLiteral("Null Output (silent)"));
+    SendAppMessage(mixer.Handle(), UWM_CONFIG_REFRESH, 0, 0);
+    EXPECT_EQ(configure.DeviceList(0)->count(), before + 1);
+    ASSERT_TRUE(mixer.MainOutput().HasDevice());
+    EXPECT_EQ(mixer.MainOutput().Device()->Identifier(), sound::kNullDeviceId);
+    mixer.ChooseMainDevice(std::string());
 }

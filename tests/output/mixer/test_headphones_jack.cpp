@@ -8,9 +8,7 @@
 
 #include <QCoreApplication>
 #include <QStandardPaths>
-#include <cmath>
 #include <cstdlib>
-#include <numbers>
 #include <string>
 #include <vector>
 
@@ -24,24 +22,6 @@
 #include "settings/window/DeviceTable.h"
 
 using testsupport::PlaybackRig;
-
-namespace {
-
-// Amplitude of `hz` in `s`, Hann-windowed Goertzel.
-double Amplitude(const std::vector<float>& s, double hz) {
-    const double w = 2.0 * std::numbers::pi * hz / 44100.0;
-    double re = 0, im = 0, windowSum = 0;
-    const std::size_t n = s.size();
-    for (std::size_t i = 0; i < n; ++i) {
-        const double hann = 0.5 - 0.5 * std::cos(2.0 * std::numbers::pi * i / (n - 1));
-        re += s[i] * hann * std::cos(w * i);
-        im -= s[i] * hann * std::sin(w * i);
-        windowSum += hann;
-    }
-    return 2.0 * std::hypot(re, im) / windowSum;
-}
-
-}  // namespace
 
 TEST(HeadphonesJack, TheHeadphonesHearDeckBAloneWhileTheMainOutputHearsBoth) {
     if (QStandardPaths::findExecutable("jackd").isEmpty() ||
@@ -118,18 +98,18 @@ TEST(HeadphonesJack, TheHeadphonesHearDeckBAloneWhileTheMainOutputHearsBoth) {
             testsupport::WaitFor([&] { return phonesEars.Full() && mainEars.Full(); }, 10000));
         mainEars.Close();
 
-        const double phonesA = Amplitude(phonesEars.Left(), 440);
-        const double phonesB = Amplitude(phonesEars.Left(), 660);
-        const double mainA = Amplitude(mainEars.Left(), 440);
-        const double mainB = Amplitude(mainEars.Left(), 660);
+        const double phonesA = testsupport::ToneAmplitude(phonesEars.Left(), 440);
+        const double phonesB = testsupport::ToneAmplitude(phonesEars.Left(), 660);
+        const double mainA = testsupport::ToneAmplitude(mainEars.Left(), 440);
+        const double mainB = testsupport::ToneAmplitude(mainEars.Left(), 660);
         std::printf(
             "JACK cue: headphones 440 Hz %.4f, 660 Hz %.4f; main 440 Hz %.4f, 660 Hz "
             "%.4f; headphones drift %d bytes\n",
             phonesA, phonesB, mainA, mainB, phones.Sync().Drift(1));
         EXPECT_GT(phonesB, 0.03);
         EXPECT_LT(phonesA, 0.002);
-        EXPECT_GT(Amplitude(phonesEars.Right(), 660), 0.03);
-        EXPECT_LT(Amplitude(phonesEars.Right(), 440), 0.002);
+        EXPECT_GT(testsupport::ToneAmplitude(phonesEars.Right(), 660), 0.03);
+        EXPECT_LT(testsupport::ToneAmplitude(phonesEars.Right(), 440), 0.002);
         EXPECT_GT(mainA, 0.03);
         EXPECT_GT(mainB, 0.03);
         EXPECT_TRUE(phones.IsActive());
