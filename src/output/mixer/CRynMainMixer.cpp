@@ -497,12 +497,6 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             }
             return 0;
         }
-        case UWM_CONFIG_REFRESH:
-            // The configuration window reads the devices and the stored
-            // choices again and applies them.
-            if (auto* configure = dynamic_cast<CRynWindow*>(configure_))
-                return SendAppMessage(configure->Handle(), msg, wParam, lParam);
-            return 0;
         case UWM_GRAPH_NUMBER_TYPE:
             // (1, 0) for floats, (0, 1) for integers.
             SetGraphIntegers(lParam != 0);

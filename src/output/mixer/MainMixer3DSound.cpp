@@ -37,9 +37,10 @@ LResult CRynMainMixer::On3DGraphMessage(Uwm msg, WParam wParam, LParam lParam) {
         case UWM_CONFIG_REFRESH:
             if (graph3d_ && graph3d_->Sound3DOn() != sound3D_)
                 Switch3DSound(graph3d_->Sound3DOn());
-            // The configuration window shows the device as it is now.
+            // The configuration window reads the devices and the stored
+            // choices again and shows the device as it is now.
             if (auto* configure = qobject_cast<CRynWindow*>(configure_))
-                SendAppMessage(configure->Handle(), UWM_CONFIG_REFRESH, 0, 0);
+                SendAppMessage(configure->Handle(), UWM_CONFIG_REFRESH, wParam, lParam);
             return 0;
         default:
             return 0;
