@@ -57,7 +57,9 @@ void CheckControls(CRynMainMixer* mixer) {
         const QRect client = window->rect();
         const auto children = window->findChildren<QWidget*>();
         for (QWidget* c : children) {
-            if (!c->isVisible() || c->isWindow() || c->size().isEmpty() ||
+            // A control of a child window (the tip of the day over the mixer)
+            // belongs to that window, not to this one.
+            if (!c->isVisible() || c->isWindow() || c->window() != window || c->size().isEmpty() ||
                 InsideScrolledView(c, window))
                 continue;
             ++controls;

@@ -15,13 +15,7 @@ CNiButton* CRynDeck::BuildPhaseVocoder() {
                                  QStringLiteral("Show The Phase Vocoder:"), this);
     showVocoder_->SetStyle(CNiButton::kLedButton);
     showVocoder_->setObjectName(QStringLiteral("showPhaseVocoder"));
-    Registry().Register(
-        showVocoder_, this, QStringLiteral("Show The Phase Vocoder:"),
-        QStringLiteral("Shows or hides the deck's phase vocoder window: a picture of how a "
-                       "phase vocoder cuts the deck's sound into overlapping frames of 1024 "
-                       "samples, shaped by Hann windows placed every 256 samples. The window "
-                       "only illustrates; it never changes the sound."),
-        QStringLiteral("show phase vocoder"));
+    // Registered with the deck's other toggles (DeckComponents.cpp).
     connect(showVocoder_, &CNiButton::valueChanged, this,
             [this](bool on) { vocoder_->setVisible(on); });
     return showVocoder_;

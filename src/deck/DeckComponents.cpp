@@ -238,6 +238,11 @@ void RegisterDeckComponents(CRynDeck& deck) {
         L("Shows or hides this deck's information window (disc buffers and output positions).") +
             place,
         L("show deck info"));
+    row(deck.showVocoder_, "Show The Phase Vocoder:",
+        L("Shows or hides the deck's phase vocoder window: a picture of how a phase vocoder cuts "
+          "the deck's sound into overlapping frames of 1024 samples, shaped by Hann windows "
+          "placed every 256 samples. The window only illustrates; it never changes the sound."),
+        L("show phase vocoder"));
 
     // Graphs.
     DeckGraphs& g = *deck.graphs_;

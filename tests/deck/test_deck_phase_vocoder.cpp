@@ -59,7 +59,7 @@ TEST_F(DeckPhaseVocoder, EachDeckMakesItsWindowHiddenWithThePictureDrawnOnce) {
         if (r.Control(k) == host_->Deck(0)->ShowPhaseVocoderButton())
             found = k;
     ASSERT_GE(found, 0);
-    EXPECT_EQ(r.Title(found), QStringLiteral("Show The Phase Vocoder:"));
+    EXPECT_EQ(r.Title(found), QStringLiteral("Deck A Show The Phase Vocoder:"));
     EXPECT_EQ(host_->Deck(0)->ShowPhaseVocoderButton()->toolTip(), r.Label(found));
 }
 
