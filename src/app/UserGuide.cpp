@@ -39,22 +39,28 @@ std::vector<CRynWindow*> PageWindows(CMixoraDlg& host) {
             host.Configure()};
 }
 
-// Every working window, for the tiled picture of the index.
-std::vector<QWidget*> TiledWindows(CMixoraDlg& host) {
-    std::vector<QWidget*> all{host.MainMixer(), host.HeadphonesMixer(), host.Graph3D()};
-    for (int d = 0; d < 2; ++d) {
-        if (CRynDeck* deck = host.Deck(d)) {
-            all.push_back(deck);
-            all.push_back(deck->Equalizer());
-            all.push_back(deck->PlayListWindow());
-        }
+// The windows of the index picture's areas, in their order.
+std::vector<QWidget*> IndexWindows(CMixoraDlg& host) {
+    std::vector<QWidget*> out;
+    for (const guide::IndexArea& a : guide::IndexAreas()) {
+        const QString page = QString::fromLatin1(a.page);
+        CRynDeck* deck = host.Deck(a.deck);
+        QWidget* w = nullptr;
+        if (page == QStringLiteral("deck.htm"))
+            w = deck;
+        else if (page == QStringLiteral("play_list.htm"))
+            w = deck ? deck->PlayListWindow() : nullptr;
+        else if (page == QStringLiteral("equalizer.htm"))
+            w = deck ? deck->Equalizer() : nullptr;
+        else if (page == QStringLiteral("main_mixer.htm"))
+            w = host.MainMixer();
+        else if (page == QStringLiteral("phones_mixer.htm"))
+            w = host.HeadphonesMixer();
+        else if (page == QStringLiteral("3d_graph.htm"))
+            w = host.Graph3D();
+        out.push_back(w);
     }
-    return all;
-}
-
-QRect ScreenArea() {
-    QScreen* screen = QGuiApplication::primaryScreen();
-    return screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+    return out;
 }
 
 }  // namespace
@@ -86,9 +92,8 @@ bool WriteUserGuideTo(CMixoraDlg& host, const QString& folder, QString* error) {
         pages.push_back(guide::Snapshot(window->Registry(), file, QString::fromLatin1(name.name)));
     }
     const int cap = host.MainMixer() ? host.MainMixer()->Registry().CaptionHeight() : 18;
-    if (!guide::SavePicture(
-            folder, QStringLiteral("images/fullscreen600x451.png"),
-            guide::TiledPicture(TiledWindows(host), ScreenArea(), cap, QSize(600, 451)), error) ||
+    if (!guide::SavePicture(folder, QStringLiteral("images/fullscreen600x451.png"),
+                            guide::IndexPicture(IndexWindows(host), cap), error) ||
         !guide::SavePicture(folder, QStringLiteral("images/overview.png"), guide::OverviewPicture(),
                             error) ||
         !guide::SavePicture(folder, QStringLiteral("images/keyboard_map1.png"),

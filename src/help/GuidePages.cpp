@@ -1,5 +1,7 @@
 #include "help/GuidePages.h"
 
+#include <array>
+
 #include <QFileInfo>
 
 #include "core/ComponentRegistry.h"
@@ -71,23 +73,24 @@ QSize PngSize(const QByteArray& head) {
     return QSize(static_cast<int>(w), static_cast<int>(h));
 }
 
-QString IndexPage() {
-    struct Area {
-        const char* page;
-        int l, t, r, b;
-    };
+const std::array<IndexArea, 9>& IndexAreas() {
     // The tiled windows of the full-screen picture (600 x 451).
-    static const Area kAreas[] = {
-        {"deck.htm", 0, 0, 210, 179},
-        {"play_list.htm", 0, 179, 210, 318},
-        {"equalizer.htm", 0, 317, 210, 450},
-        {"main_mixer.htm", 211, 0, 389, 188},
-        {"phones_mixer.htm", 211, 184, 389, 293},
-        {"3d_graph.htm", 211, 294, 389, 450},
-        {"deck.htm", 390, 0, 599, 179},
-        {"equalizer.htm", 390, 179, 599, 318},
-        {"play_list.htm", 390, 317, 599, 450},
-    };
+    static const std::array<IndexArea, 9> kAreas{{
+        {"deck.htm", 0, 0, 0, 210, 179},
+        {"play_list.htm", 0, 0, 179, 210, 318},
+        {"equalizer.htm", 0, 0, 317, 210, 450},
+        {"main_mixer.htm", 0, 211, 0, 389, 188},
+        {"phones_mixer.htm", 0, 211, 184, 389, 293},
+        {"3d_graph.htm", 0, 211, 294, 389, 450},
+        {"deck.htm", 1, 390, 0, 599, 179},
+        {"equalizer.htm", 1, 390, 179, 599, 318},
+        {"play_list.htm", 1, 390, 317, 599, 450},
+    }};
+    return kAreas;
+}
+
+QString IndexPage() {
+    const auto& kAreas = IndexAreas();
     static const std::pair<const char*, const char*> kContents[] = {
         {"overview.htm", "Overview"},
         {"getting_started.htm", "Getting Started"},
@@ -104,7 +107,7 @@ QString IndexPage() {
     QString t = Head(title);
     t += QStringLiteral("<CENTER>\n<H1>") + title + QStringLiteral("</H1>\n");
     t += QStringLiteral("<MAP NAME=\"indexMap\">\n");
-    for (const Area& a : kAreas) {
+    for (const IndexArea& a : kAreas) {
         t += QStringLiteral("<AREA HREF=\"%1\" SHAPE=\"rect\" COORDS=\"%2, %3, %4, %5\">\n")
                  .arg(QString::fromLatin1(a.page))
                  .arg(a.l)

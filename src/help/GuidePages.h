@@ -12,6 +12,8 @@
 // bottom = trunc((y + h) H) + cap.
 #pragma once
 
+#include <array>
+
 #include <QByteArray>
 #include <QSize>
 #include <QString>
@@ -70,6 +72,16 @@ QString Anchor(const QString& title);
 // Width and height from a PNG's IHDR chunk (bytes 16-23, most significant
 // first); an empty size when `head` is not a PNG header.
 QSize PngSize(const QByteArray& head);
+
+// The index picture's areas (pixels of the 600 x 451 picture, right and
+// bottom exclusive as the image map gives them): which page, the deck of a
+// deck's window, and the place its window is drawn.
+struct IndexArea {
+    const char* page;
+    int deck;
+    int l, t, r, b;
+};
+const std::array<IndexArea, 9>& IndexAreas();
 
 QString IndexPage();
 QString GettingStartedPage();

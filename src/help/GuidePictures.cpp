@@ -1,5 +1,7 @@
 #include "help/GuidePictures.h"
 
+#include "help/GuidePages.h"
+
 #include <QFontMetrics>
 #include <QLayout>
 #include <QLineF>
@@ -46,23 +48,22 @@ QImage WindowPicture(QWidget* window, int captionHeight) {
     return picture;
 }
 
-QImage TiledPicture(const std::vector<QWidget*>& windows, const QRect& screen, int captionHeight,
-                    QSize size) {
-    QImage canvas(screen.size(), QImage::Format_RGB32);
+QImage IndexPicture(const std::vector<QWidget*>& windows, int captionHeight) {
+    QImage canvas(600, 451, QImage::Format_RGB32);
     canvas.fill(QColor(0, 128, 128));
-    {
-        QPainter p(&canvas);
-        for (QWidget* w : windows) {
-            if (!w || !w->isVisible())
-                continue;
-            // The frame is above the client area on screen: the strip sits
-            // there, clipped to the screen.
-            const QRect client = w->geometry().translated(-screen.topLeft());
-            const QImage picture = WindowPicture(w, captionHeight);
-            p.drawImage(client.x(), client.y() - captionHeight, picture);
+    QPainter p(&canvas);
+    p.setRenderHint(QPainter::SmoothPixmapTransform);
+    const auto& areas = IndexAreas();
+    for (std::size_t i = 0; i < areas.size() && i < windows.size(); ++i) {
+        const IndexArea& a = areas[i];
+        const QRect target(a.l, a.t, a.r - a.l, a.b - a.t);
+        if (!windows[i]) {
+            p.fillRect(target, QColor(24, 24, 24));
+            continue;
         }
+        p.drawImage(target, WindowPicture(windows[i], captionHeight));
     }
-    return canvas.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    return canvas;
 }
 
 QImage OverviewPicture() {

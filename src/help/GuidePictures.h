@@ -19,11 +19,11 @@ namespace guide {
 // `captionHeight` pixels carrying the window's title.
 QImage WindowPicture(QWidget* window, int captionHeight);
 
-// The windows at their places on `screen` (visible ones only, each under a
-// title bar strip of `captionHeight`), scaled to `size` (600 x 451 on the
-// index page).
-QImage TiledPicture(const std::vector<QWidget*>& windows, const QRect& screen, int captionHeight,
-                    QSize size);
+// The index picture, 600 x 451: each window (with its title bar strip of
+// `captionHeight`) drawn into its area of the index's image map, so that a
+// click lands on the window it shows. `windows[i]` goes to IndexAreas()[i];
+// a null window leaves its area dark.
+QImage IndexPicture(const std::vector<QWidget*>& windows, int captionHeight);
 
 // The overview diagram, 400 x 145: two decks into the main mixer and the
 // headphones mixer.
