@@ -16,9 +16,9 @@
 #include <QTimer>
 #include <array>
 #include <functional>
-#include <span>
 #include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <vector>
 
