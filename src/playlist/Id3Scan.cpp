@@ -35,11 +35,16 @@ std::uint32_t TagLength(std::string_view h) {
     return 10 + SyncSafe(h, 6) + (footer ? 10 : 0);
 }
 
+// At most `bytes` from `at`, and never more than the file holds: a header
+// may claim far more than there is.
 std::string Read(FILE* f, long at, std::uint32_t bytes) {
-    std::string out(bytes, '\0');
-    if (std::fseek(f, at, SEEK_SET) != 0)
+    if (std::fseek(f, 0, SEEK_END) != 0)
         return {};
-    out.resize(std::fread(out.data(), 1, bytes, f));
+    const long size = std::ftell(f);
+    if (size <= at || std::fseek(f, at, SEEK_SET) != 0)
+        return {};
+    std::string out(std::min<std::size_t>(bytes, static_cast<std::size_t>(size - at)), '\0');
+    out.resize(std::fread(out.data(), 1, out.size(), f));
     return out;
 }
 
