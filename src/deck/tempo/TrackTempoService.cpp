@@ -43,6 +43,9 @@ void TrackTempoService::Stop() {
 void TrackTempoService::Request(int deck, const std::string& path) {
     if (deck < 0 || deck > 1)
         return;
+    // Whether the deck's file lies on a removable drive, found here on the
+    // window thread: the worker never touches a deck's decoder.
+    onRemovable_[deck].store(!path.empty() && media::IsPathOnRemovableDrive(path));
     {
         std::lock_guard lock(mutex_);
         wanted_[deck] = path;
@@ -61,9 +64,9 @@ bool TrackTempoService::HoldOff(const std::string& path) const {
     if (holdOff)
         return holdOff(path);
     bool drivePlays = false;
-    for (const DeckSharedState& deck : Engine().decks) {
-        if (deck.decoder && deck.isPlaying.load() != 0 && deck.sourceType.load() == 1 &&
-            deck.decoder->IsOnRemovableDrive())
+    for (int d = 0; d < 2; ++d) {
+        const DeckSharedState& deck = Engine().decks[d];
+        if (deck.isPlaying.load() != 0 && deck.sourceType.load() == 1 && onRemovable_[d].load())
             drivePlays = true;
     }
     return drivePlays && media::IsPathOnRemovableDrive(path);

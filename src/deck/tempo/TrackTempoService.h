@@ -78,6 +78,8 @@ class TrackTempoService : public QObject {
     std::string measuring_;               // the path being measured, "" = none
     bool quit_ = false;
     int lastDeck_ = 1;  // the deck whose request was taken last
+    // Whether each deck's file lies on a removable drive (set by Request).
+    std::array<std::atomic<bool>, 2> onRemovable_{};
     std::atomic<bool> stopMeasuring_{false};
 
     std::atomic<int> analyses_{0};
