@@ -1,6 +1,7 @@
 #include "deck/tempo/TrackTempoService.h"
 
-#include <QMetaObject>
+#include <QCoreApplication>
+#include <QEvent>
 #include <chrono>
 
 #include "core/EngineState.h"
@@ -8,6 +9,7 @@
 #include "sources/CRynFileDecoder.h"
 
 #include "core/ThreadPriority.h"
+#include "core/TsanAnnotations.h"
 #include "sources/TrackTempo.h"
 
 TrackTempoService::TrackTempoService(std::unique_ptr<tempo::TempoEstimator> estimator,
@@ -125,17 +127,38 @@ void TrackTempoService::Run() {
     }
 }
 
+namespace {
+
+// One answer on its way to the window thread.
+const QEvent::Type kTempoEventType = static_cast<QEvent::Type>(QEvent::registerEventType());
+
+struct TempoEvent : QEvent {
+    TempoEvent(int d, std::string p, double b)
+        : QEvent(kTempoEventType), deck(d), path(std::move(p)), bpm(b) {}
+    int deck;
+    std::string path;
+    double bpm;
+};
+
+}  // namespace
+
 void TrackTempoService::Deliver(int deck, const std::string& path, double bpm) {
-    QMetaObject::invokeMethod(
-        this,
-        [this, deck, path, bpm] {
-            bool current = false;
-            {
-                std::lock_guard lock(mutex_);
-                current = wanted_[deck] == path;
-            }
-            if (current && onTempo)
-                onTempo(deck, path, bpm);
-        },
-        Qt::QueuedConnection);
+    auto* event = new TempoEvent(deck, path, bpm);
+    MIXORA_HANDOVER_RELEASE(event);
+    QCoreApplication::postEvent(this, event);
+}
+
+bool TrackTempoService::event(QEvent* e) {
+    MIXORA_HANDOVER_ACQUIRE(e);
+    if (e->type() != kTempoEventType)
+        return QObject::event(e);
+    const auto* answer = static_cast<const TempoEvent*>(e);
+    bool current = false;
+    {
+        std::lock_guard lock(mutex_);
+        current = wanted_[answer->deck] == answer->path;
+    }
+    if (current && onTempo)
+        onTempo(answer->deck, answer->path, answer->bpm);
+    return true;
 }

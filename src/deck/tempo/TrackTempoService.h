@@ -61,6 +61,10 @@ class TrackTempoService : public QObject {
     int Analyses() const { return analyses_.load(); }
     int CacheHits() const { return cacheHits_.load(); }
 
+  protected:
+    // Takes the worker's answers on the window thread.
+    bool event(QEvent* e) override;
+
   private:
     void Run();
     // Whether any deck still wants `path` (under mutex_).
