@@ -83,3 +83,46 @@ TEST(DeckPlayback, TenSecondFilePlaysBitExactAndTheDeckStopsAtItsEnd) {
                             [](std::int16_t s) { return s == 0; }));
     EXPECT_EQ(Engine().decks[0].isPlaying.load(), 0);
 }
+
+// A needle dropped at once after loading, before the reader's first fill has
+// primed the output (a slow drive, a busy machine), plays the track from its
+// start once the output is primed; lifted again before that, nothing plays.
+TEST(DeckPlayback, ANeedleDroppedBeforeTheFirstFillPlaysOnceTheOutputIsPrimed) {
+    const QString path = QDir(testsupport::FixtureDir()).filePath("noise-early-drop.wav");
+    const std::vector<std::int16_t> pcm =
+        testsupport::WriteWav(path, 44100, 5 * 44100, testsupport::NoiseSample);
+    ASSERT_FALSE(pcm.empty());
+
+    PlaybackRig rig;
+    CRynDeck& deck = rig.Deck(0);
+    // No events are served between the load and the drop: the first fill's
+    // messages are still queued.
+    deck.OpenFiles({path});
+    ASSERT_FALSE(deck.Primed());
+    deck.DropNeedle();
+    EXPECT_EQ(deck.DropLiftButton()->Caption(), "lift");
+    ASSERT_TRUE(
+        testsupport::WaitFor([&] { return rig.Mixer().MainOutput().IsForwardPlaying(0); }, 5000));
+    EXPECT_TRUE(deck.Primed());
+    ASSERT_TRUE(rig.RenderBlocks(60));
+    const std::vector<std::int16_t>& out = rig.Output();
+    ASSERT_GE(out.size(), 2u * 44100);
+    long mismatches = 0;
+    for (std::size_t i = 2 * 1000; i < 2u * 44100; ++i)
+        mismatches += out[i] != pcm[i];
+    EXPECT_EQ(mismatches, 0) << "the track is not heard from its start";
+    EXPECT_GT(deck.ElapsedSeconds(), 0.0);
+
+    // Loaded again and lifted before the prime: the drop is called off.
+    deck.LiftNeedle();
+    ASSERT_TRUE(rig.RenderBlocks(3));
+    deck.OpenFiles({path});
+    ASSERT_FALSE(deck.Primed());
+    deck.DropNeedle();
+    deck.LiftNeedle();
+    EXPECT_EQ(deck.DropLiftButton()->Caption(), "drop");
+    ASSERT_TRUE(testsupport::WaitFor([&] { return deck.Primed(); }, 5000));
+    testsupport::WaitFor([] { return false; }, 300);  // past the pending drop's next look
+    EXPECT_FALSE(rig.Mixer().MainOutput().IsForwardPlaying(0));
+    EXPECT_EQ(Engine().decks[0].isPlaying.load(), 0);
+}
