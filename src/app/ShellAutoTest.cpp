@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QKeyEvent>
+#include <QElapsedTimer>
 #include <QTimer>
 #include <array>
 #include <memory>
@@ -80,17 +81,31 @@ void ArmAutoTest(CMixoraDlg& host) {
         });
     } else if (script == QLatin1String("play-file")) {
         // The file given on the command line plays on deck A for a while.
-        QTimer::singleShot(400, h, [h] { h->MainMixer()->Deck(0)->DropNeedle(); });
-        QTimer::singleShot(1600, h, [h] {
-            CRynDeck* deck = h->MainMixer()->Deck(0);
-            ShellLog(QStringLiteral("deck A track %1 elapsed %2 needle %3")
-                         .arg(deck->TrackNameText())
-                         .arg(deck->ElapsedSeconds(), 0, 'f', 1)
-                         .arg(deck->DropLiftButton()->Caption()));
-            ShellLog(QStringLiteral("deck A graphs drawn %1 rms %2")
-                         .arg(h->MainMixer()->MeterDraws(0))
-                         .arg(h->MainMixer()->Meters().RmsText(0)));
-            h->MainMixer()->close();
+        // Read once a second of it has been heard, or 5 s after the drop on
+        // a machine too slow for that: timers of a busy start-up may fall
+        // due together, so the read waits for the drop, not for the clock.
+        QTimer::singleShot(400, h, [h] {
+            h->MainMixer()->Deck(0)->DropNeedle();
+            auto* poll = new QTimer(h);
+            auto* sinceDrop = new QElapsedTimer;
+            sinceDrop->start();
+            QObject::connect(poll, &QTimer::destroyed, [sinceDrop] { delete sinceDrop; });
+            QObject::connect(poll, &QTimer::timeout, h, [h, poll, sinceDrop] {
+                if (h->MainMixer()->Deck(0)->ElapsedSeconds() < 1.0 && sinceDrop->elapsed() < 5000)
+                    return;
+                poll->stop();
+                poll->deleteLater();
+                CRynDeck* deck = h->MainMixer()->Deck(0);
+                ShellLog(QStringLiteral("deck A track %1 elapsed %2 needle %3")
+                             .arg(deck->TrackNameText())
+                             .arg(deck->ElapsedSeconds(), 0, 'f', 1)
+                             .arg(deck->DropLiftButton()->Caption()));
+                ShellLog(QStringLiteral("deck A graphs drawn %1 rms %2")
+                             .arg(h->MainMixer()->MeterDraws(0))
+                             .arg(h->MainMixer()->Meters().RmsText(0)));
+                h->MainMixer()->close();
+            });
+            poll->start(100);
         });
     } else if (script == QLatin1String("record")) {
         // Deck A plays the file of the command line while the mixer's REC
