@@ -143,19 +143,23 @@ bool PlaybackRig::RenderAndDraw(int blocks) {
     for (int i = 0; i < blocks; ++i) {
         if (!RenderBlocks(1))
             return false;
-        WaitFor(
-            [] {
-                for (const DeckSharedState& d : Engine().decks) {
-                    if (d.isPlaying.load() != 0 &&
-                        (d.freshDataLow.load() != 0 || d.discBufferVeryLow.load() != 0))
-                        return false;
-                }
-                return true;
-            },
-            2000);
+        WaitForReaders(2000);
         mixer_->DrawGraphsAndMeters();
     }
     return true;
+}
+
+void PlaybackRig::WaitForReaders(int timeoutMs) {
+    WaitFor(
+        [] {
+            for (const DeckSharedState& d : Engine().decks) {
+                if (d.isPlaying.load() != 0 &&
+                    (d.freshDataLow.load() != 0 || d.discBufferVeryLow.load() != 0))
+                    return false;
+            }
+            return true;
+        },
+        timeoutMs);
 }
 
 bool PlaybackRig::LoadAndPrime(int d, const QStringList& files) {

@@ -52,13 +52,15 @@ class DeckPlatter : public ::testing::Test {
         // Output frame o plays file frame o (the drop starts at the track's start).
         ASSERT_EQ(Align(Out(), kFade, pcm, kFade, kFade, 1), kFade);
     }
-    // Blocks rendered with 1 ms each for the readers: the manual Null device
-    // renders as fast as the test asks, far faster than a real device.
+    // Blocks rendered with 1 ms each for the readers, more while one is
+    // short of data (a loaded machine): the manual Null device renders as
+    // fast as the test asks, far faster than a real device.
     bool Render(int blocks) {
         for (int i = 0; i < blocks; ++i) {
             if (!rig.RenderBlocks(1))
                 return false;
             WaitFor([] { return false; }, 1);
+            PlaybackRig::WaitForReaders(100);
         }
         return true;
     }
