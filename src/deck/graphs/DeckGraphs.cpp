@@ -330,6 +330,7 @@ void DeckGraphs::DrawScope(int slot) {
     const int groups = analysis_.Groups().groups;
     const double gain = scopeGain_->Value();
     const bool sum = sumScope_->Value();
+    const bool ints = analysis_.IntegerValues();
     unsigned shown = 0;
     for (int g = 0; g < 3; ++g)
         shown |= scopeBands_[g]->Value() ? 1u << g : 0u;
@@ -344,9 +345,9 @@ void DeckGraphs::DrawScope(int slot) {
             if (g >= groups)
                 continue;
             if (sum)
-                graph_values::ScopeTrace(s, channel, 0, groups, shown, gain, trace_);
+                graph_values::ScopeTrace(s, channel, 0, groups, shown, gain, ints, trace_);
             else
-                graph_values::ScopeTrace(s, channel, g, g + 1, ~0u, gain, trace_);
+                graph_values::ScopeTrace(s, channel, g, g + 1, ~0u, gain, ints, trace_);
             if (!sum)
                 graphs_[i]->SetPlotVisible(g, scopeBands_[g]->Value());
             graphs_[i]->PlotY(g, std::span<const double>(trace_));

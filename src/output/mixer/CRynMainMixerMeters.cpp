@@ -99,7 +99,8 @@ void CRynMainMixer::DrawGraphsAndMeters() {
         Feed3DGraph(d, graphs.Analysis().CurrentValues());
         if (meters_->WantsScope(d)) {
             const dsp::DeckAnalysis& a = graphs.Analysis();
-            graph_values::ScopeTrace(a.At(slot), -1, 0, a.Groups().groups, ~0u, 1.0, scope_);
+            graph_values::ScopeTrace(a.At(slot), -1, 0, a.Groups().groups, ~0u, 1.0,
+                                     a.IntegerValues(), scope_);
             meters_->ShowScope(d, scope_);
         }
         if (phonesShown)
