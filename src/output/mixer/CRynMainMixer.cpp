@@ -482,7 +482,8 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             return 0;
         case UWM_SET_SOUND_DEVICE: {
             // lParam: the chosen item of the configuration window's device
-            // table, 0 for the disabled entry. MIXORA_SOUND_DEVICE still
+            // table, 0 for the disabled entry, -1 for a stored device that is
+            // not listed. MIXORA_SOUND_DEVICE still
             // forces the main device.
             const QByteArray forced = qgetenv("MIXORA_SOUND_DEVICE");
             std::string id = device_table::Identifier(lParam);
@@ -492,6 +493,10 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
                 else if (lParam != 0 && id.empty())
                     id = StartupDeviceIdentifier();
                 ChooseMainDevice(id);
+            } else if (wParam == 1 && lParam == device_table::kMissingDeviceItem) {
+                // The stored headphones device is not there: looked for.
+                if (headphones_)
+                    headphones_->WaitForDevice(Settings().GetSoundDevicePhones().toStdString());
             } else if (wParam == 1) {
                 ChooseHeadphonesDevice(id);
             }
