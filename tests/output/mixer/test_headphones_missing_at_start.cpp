@@ -20,6 +20,7 @@
 #include "core/EngineState.h"
 #include "deck/CRynDeck.h"
 #include "deck/DeckRig.h"
+#include "output/engine/WriteAheadTarget.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "platform/sound/SoundSystem.h"
@@ -65,7 +66,13 @@ TEST(HeadphonesMissingAtStart, ACardPluggedInLaterIsOpenedAndGivenTheDeck) {
     };
     phones.DeviceWatch().SetDirectory(directory);
 
+    // As at start-up: the configuration window sends the stored choice while
+    // the layout is still being built.
     SendStoredMissing(mixer, QStringLiteral("USB Phones"));
+    mixer.LayoutBuilt();
+    // Opening the device later holds the interface up a moment: the main
+    // output writes as far ahead as it can meanwhile.
+    EXPECT_EQ(Engine().decks[0].writeAheadBlocks.load(), WriteAheadTarget::kTopBlocks);
     EXPECT_TRUE(phones.StatusText().startsWith(kMissingText)) << phones.StatusText().toStdString();
     EXPECT_TRUE(phones.StatusText().contains(QStringLiteral("USB Phones")));
     EXPECT_TRUE(phones.DeviceLost());
@@ -106,6 +113,7 @@ TEST(HeadphonesMissingAtStart, ACardPluggedInLaterIsOpenedAndGivenTheDeck) {
     EXPECT_TRUE(phones.Output().IsForwardPlaying(0));
     EXPECT_EQ(mixer.MainOutput().Device(), mainDevice);
     EXPECT_TRUE(mixer.MainOutput().IsForwardPlaying(0));
+    EXPECT_LT(Engine().decks[0].writeAheadBlocks.load(), WriteAheadTarget::kTopBlocks);
     EXPECT_EQ(phones.DeviceWatch().Losses(), 0);
     EXPECT_EQ(phones.DeviceWatch().Returns(), 1);
     phones.OpenDevice(std::string());
