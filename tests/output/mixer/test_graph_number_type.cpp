@@ -6,7 +6,6 @@
 // configuration window shows it again.
 #include <gtest/gtest.h>
 
-#include <QFile>
 #include <cmath>
 
 #include "TestSupport.h"
@@ -26,15 +25,6 @@ using testsupport::MessageLog;
 using testsupport::PlaybackRig;
 
 namespace {
-
-QString Tone() {
-    const QString path = testsupport::FixtureDir() + "/graph-numbers-1k.wav";
-    if (QFile::exists(path))
-        return path;
-    const QStringList args{"-n",    "-r", "44100", "-c",   "2",    "-b",  "16",  path,
-                           "synth", "20", "sine",  "1000", "sine", "150", "vol", "0.5"};
-    return testsupport::Run("sox", args) ? path : QString();
-}
 
 struct Count {
     int points = 0;
@@ -63,7 +53,7 @@ void ChooseNumbers(CRynConfigure& configure, MessageLog& log, CRynMainMixer& mix
 }  // namespace
 
 TEST(GraphNumberType, EveryGraphDrawsWholeNumbersOrFractionsAsChosen) {
-    const QString tone = Tone();
+    const QString tone = testsupport::MakeTone("graph-numbers-1k.wav", 1000, 20);
     ASSERT_FALSE(tone.isEmpty());
     Settings().SetUseIntegersForGraphs(false);
     Settings().SetGraphNumberType(QStringLiteral("Floats"));

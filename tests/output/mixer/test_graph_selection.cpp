@@ -21,20 +21,47 @@
 
 using testsupport::MessageLog;
 
-TEST(GraphSelection, AHeadphonesPlotShownAloneAndBack) {
-    ResetEngineStateForTest();
+namespace {
+
+// The host (a log), the main mixer with both decks, the headphones mixer and
+// the 3D graph, all real windows.
+struct Rig {
     MessageLog host;
-    Engine().mainDialogWindow = host.Handle();
     CRynHeadphonesMixer phones;
-    auto mixer = std::make_unique<CRynMainMixer>();
+    CRyn3DGraph graph3d;
+    std::unique_ptr<CRynMainMixer> mixer;
     std::unique_ptr<CRynDeck> decks[2];
-    for (int d = 0; d < 2; ++d) {
-        decks[d] = std::make_unique<CRynDeck>();
-        decks[d]->Initialise(nullptr, nullptr, nullptr, mixer->Handle(), d);
+    Rig() {
+        ResetEngineStateForTest();
+        Engine().mainDialogWindow = host.Handle();
+        mixer = std::make_unique<CRynMainMixer>();
+        for (int d = 0; d < 2; ++d) {
+            decks[d] = std::make_unique<CRynDeck>();
+            decks[d]->Initialise(nullptr, nullptr, nullptr, mixer->Handle(), d);
+        }
+        mixer->Initialise(host.Handle(), decks[0].get(), decks[1].get(), &phones, &graph3d);
+        phones.Initialise(mixer->Handle());
+        graph3d.Initialise(mixer->Handle());
+        phones.PlotCountButton()->SetValue(true);  // two plots: left and right ear
     }
-    mixer->Initialise(host.Handle(), decks[0].get(), decks[1].get(), &phones, nullptr);
-    phones.Initialise(mixer->Handle());
-    phones.PlotCountButton()->SetValue(true);  // two plots: left and right ear
+    ~Rig() {
+        for (auto& d : decks)
+            d->Shutdown();
+        decks[0].reset();
+        decks[1].reset();
+        mixer.reset();
+        ResetEngineStateForTest();
+    }
+};
+
+}  // namespace
+
+TEST(GraphSelection, AHeadphonesPlotShownAloneAndBack) {
+    Rig rig;
+    MessageLog& host = rig.host;
+    CRynHeadphonesMixer& phones = rig.phones;
+    CRynMainMixer* mixer = rig.mixer.get();
+    auto& decks = rig.decks;
     phones.show();
 
     QTest::mouseDClick(phones.Plot(1), Qt::LeftButton);
@@ -61,13 +88,6 @@ TEST(GraphSelection, AHeadphonesPlotShownAloneAndBack) {
     EXPECT_TRUE(phones.PlotOn(1));
     EXPECT_TRUE(decks[1]->Graphs().GraphsOn());
     EXPECT_FALSE(mixer->Meters().BandGraph(1)->isHidden());
-
-    for (auto& d : decks)
-        d->Shutdown();
-    decks[0].reset();
-    decks[1].reset();
-    mixer.reset();
-    ResetEngineStateForTest();
 }
 
 // Double clicks on every kind of graph, through the real windows: the one
@@ -76,25 +96,18 @@ TEST(GraphSelection, AHeadphonesPlotShownAloneAndBack) {
 // settings say so; the same double click again brings all back, the 3D graph
 // as it was.
 TEST(GraphSelection, EveryKindOfGraphShownAloneByItsDoubleClick) {
-    ResetEngineStateForTest();
-    MessageLog host;
-    Engine().mainDialogWindow = host.Handle();
-    CRynHeadphonesMixer phones;
-    CRyn3DGraph graph3d;
-    auto mixer = std::make_unique<CRynMainMixer>();
-    std::unique_ptr<CRynDeck> decks[2];
-    for (int d = 0; d < 2; ++d) {
-        decks[d] = std::make_unique<CRynDeck>();
-        decks[d]->Initialise(nullptr, nullptr, nullptr, mixer->Handle(), d);
-        decks[d]->Graphs().SetChannels(2);  // a left and a right graph
-        decks[d]->show();
+    Rig rig;
+    MessageLog& host = rig.host;
+    CRynHeadphonesMixer& phones = rig.phones;
+    CRyn3DGraph& graph3d = rig.graph3d;
+    CRynMainMixer* mixer = rig.mixer.get();
+    auto& decks = rig.decks;
+    for (auto& deck : decks) {
+        deck->Graphs().SetChannels(2);  // a left and a right graph
+        deck->show();
     }
-    mixer->Initialise(host.Handle(), decks[0].get(), decks[1].get(), &phones, &graph3d);
-    phones.Initialise(mixer->Handle());
-    graph3d.Initialise(mixer->Handle());
     graph3d.SetGraphEnabled(true);
     graph3d.SetSoundMode(false);
-    phones.PlotCountButton()->SetValue(true);
     mixer->show();
     phones.show();
     graph3d.show();
@@ -179,11 +192,4 @@ TEST(GraphSelection, EveryKindOfGraphShownAloneByItsDoubleClick) {
     back[4] = false;
     EXPECT_EQ(on(), back);
     EXPECT_FALSE(Settings().GetThreeDGraphEnabledState());
-
-    for (auto& d : decks)
-        d->Shutdown();
-    decks[0].reset();
-    decks[1].reset();
-    mixer.reset();
-    ResetEngineStateForTest();
 }
