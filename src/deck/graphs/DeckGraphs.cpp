@@ -193,6 +193,15 @@ void DeckGraphs::SetGraphsOn(bool on) {
             g->Clear();
 }
 
+void DeckGraphs::SetGraphOn(int which, bool on) {
+    which = which == 1 ? 1 : 0;
+    graphOn_[which] = on;
+    if (!on)
+        graphs_[which]->Clear();
+    if (settings_)
+        settings_->SetDeckGraphEnabled(deck_, graphOn_[0] || graphOn_[1]);
+}
+
 void DeckGraphs::SetGraphType(const QString& type) {
     type_ = (type == kScope || type == kChart) ? type : kBars;
     ShowCaption(typeButton_, type_);
@@ -305,7 +314,7 @@ void DeckGraphs::Draw(int slot) {
         range_->SetPointerValue(2, std::clamp(lo, 0.0, kTop));
         range_->SetPointerValue(3, std::clamp(hi, 0.0, kTop));
     }
-    if (!on_ || !isVisible())
+    if (!on_ || !isVisible() || !(graphOn_[0] || graphOn_[1]))
         return;
     ++draws_;
     if (type_ == kBars)
@@ -318,6 +327,8 @@ void DeckGraphs::Draw(int slot) {
 
 void DeckGraphs::DrawBars() {
     for (int i = 0; i < channels_; ++i) {
+        if (!graphOn_[i])
+            continue;
         const size_t n = graph_values::Bars(analysis_, channels_ == 1 ? -1 : i, bars_[i]);
         graphs_[i]->PlotY(0, std::span<const double>(bars_[i].data(), n));
         graphs_[i]->SetCursorY(0, analysis_.Range().Low());
@@ -330,10 +341,13 @@ void DeckGraphs::DrawScope(int slot) {
     const int groups = analysis_.Groups().groups;
     const double gain = scopeGain_->Value();
     const bool sum = sumScope_->Value();
+    const bool ints = analysis_.IntegerValues();
     unsigned shown = 0;
     for (int g = 0; g < 3; ++g)
         shown |= scopeBands_[g]->Value() ? 1u << g : 0u;
     for (int i = 0; i < channels_; ++i) {
+        if (!graphOn_[i])
+            continue;
         // One graph: both channels averaged; two: one each.
         const int channel = channels_ == 1 ? -1 : i;
         for (int g = 0; g < 3; ++g) {
@@ -344,9 +358,9 @@ void DeckGraphs::DrawScope(int slot) {
             if (g >= groups)
                 continue;
             if (sum)
-                graph_values::ScopeTrace(s, channel, 0, groups, shown, gain, trace_);
+                graph_values::ScopeTrace(s, channel, 0, groups, shown, gain, ints, trace_);
             else
-                graph_values::ScopeTrace(s, channel, g, g + 1, ~0u, gain, trace_);
+                graph_values::ScopeTrace(s, channel, g, g + 1, ~0u, gain, ints, trace_);
             if (!sum)
                 graphs_[i]->SetPlotVisible(g, scopeBands_[g]->Value());
             graphs_[i]->PlotY(g, std::span<const double>(trace_));
@@ -358,7 +372,8 @@ void DeckGraphs::DrawChart() {
     const double b = analysis_.BeatValue();
     const std::array<double, 2> pair{b, -b};
     for (int i = 0; i < channels_; ++i)
-        graphs_[i]->ChartY(pair);
+        if (graphOn_[i])
+            graphs_[i]->ChartY(pair);
 }
 
 bool DeckGraphs::eventFilter(QObject* watched, QEvent* event) {

@@ -55,9 +55,15 @@ class DeckGraphs : public QWidget {
     int Draws() const { return draws_; }
     float BeatValue() const { return analysis_.BeatValue(); }
 
-    // Graphs on or off (the meters enable of the deck, a double click elsewhere).
+    // Graphs on or off (the meters enable of the deck).
     void SetGraphsOn(bool on);
-    bool GraphsOn() const { return on_; }
+    // True while the meters are on and at least one of the graphs is shown.
+    bool GraphsOn() const { return on_ && (graphOn_[0] || graphOn_[1]); }
+    // One graph (0, or 1 the right one of two) on or off, as a double click
+    // shows one graph alone; off: cleared and no longer drawn. Stored as
+    // deckGraphEnabled (on while either graph is).
+    void SetGraphOn(int which, bool on);
+    bool GraphOn(int which) const { return on_ && graphOn_[which == 1 ? 1 : 0]; }
 
     void SetGraphType(const QString& type);  // "Bars", "Scope" or "Chart"
     QString GraphType() const { return type_; }
@@ -105,6 +111,7 @@ class DeckGraphs : public QWidget {
     QString type_ = QStringLiteral("Bars");
     int channels_ = 1;
     bool on_ = true;
+    std::array<bool, 2> graphOn_{true, true};
     bool rangeOn_ = true;
     int pendingBands_ = 0;
     int draws_ = 0;

@@ -1,6 +1,7 @@
 #include "deck/graphs/GraphValues.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace graph_values {
 
@@ -31,7 +32,7 @@ void SpreadBars(const dsp::DeckAnalysis& a, int channel, std::span<double> out) 
 }
 
 void ScopeTrace(const dsp::DeckAnalysis::Slot& s, int channel, int first, int last,
-                unsigned groupMask, double gain,
+                unsigned groupMask, double gain, bool integers,
                 std::span<double, dsp::DeckAnalysis::kPoints> out) {
     first = std::max(first, 0);
     last = std::min(last, dsp::DeckAnalysis::kMaxGroups);
@@ -43,7 +44,7 @@ void ScopeTrace(const dsp::DeckAnalysis::Slot& s, int channel, int first, int la
             v += channel < 0 ? 0.5 * (s.channels[0].traces[g][j] + s.channels[1].traces[g][j])
                              : s.channels[channel == 1 ? 1 : 0].traces[g][j];
         }
-        out[j] = v * gain;
+        out[j] = integers ? std::trunc(v * gain) : v * gain;
     }
 }
 

@@ -6,7 +6,9 @@
 // over a fixed number of columns so that decks with different band counts
 // share one x axis. Scope: one 100-point trace of a slot, the sum of the band
 // groups [first, last) that `groupMask` lets through (bit g for group g),
-// both channels averaged (channel -1) or one channel, times `gain`.
+// both channels averaged (channel -1) or one channel, times `gain`; with
+// integer graph values (`integers`) each point is truncated to an integer,
+// as the stored values are.
 //
 // The callers own the buffers: nothing here allocates. Pure functions.
 #pragma once
@@ -28,6 +30,7 @@ void SpreadBars(const dsp::DeckAnalysis& a, int channel, std::span<double> out);
 
 // One scope trace of slot `s` built from the groups first … last − 1.
 void ScopeTrace(const dsp::DeckAnalysis::Slot& s, int channel, int first, int last,
-                unsigned groupMask, double gain, std::span<double, dsp::DeckAnalysis::kPoints> out);
+                unsigned groupMask, double gain, bool integers,
+                std::span<double, dsp::DeckAnalysis::kPoints> out);
 
 }  // namespace graph_values

@@ -65,6 +65,11 @@ void CRyn3DGraph::BuildControls() {
         if (button == 2)
             SetGraphEnabled(!enabled_);
     });
+    // A double click shows the 3D graph alone (the main mixer's selection).
+    connect(surface_, &CNiControl::doubleClicked, this, [this] {
+        if (mainMixer_ != 0)
+            SendAppMessage(mainMixer_, UWM_GRAPH_DOUBLE_CLICK, kTemplateId, kSurfaceId);
+    });
 
     positionPlot_ = new CNiGraph(this);
     positionPlot_->setObjectName(QStringLiteral("3D Sound Position"));

@@ -39,6 +39,9 @@ class CRyn3DGraph : public CRynWindow {
     Q_OBJECT
   public:
     static constexpr int kTemplateId = 129;
+    // The surface's control id: a double click on it is sent to the main
+    // mixer as UWM_GRAPH_DOUBLE_CLICK (template 129, this id).
+    static constexpr int kSurfaceId = 1022;
     static constexpr int kPositionTimer = 1;  // the joystick, in "3D Sound" mode
     static constexpr int kPositionMs = 50;
 

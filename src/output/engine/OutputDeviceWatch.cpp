@@ -4,18 +4,27 @@
 #include "output/engine/CRynAudioOutput.h"
 #include "platform/sound/SoundSystem.h"
 
+namespace {
+
+// The identifier of the listed device named `name` (its identifier or its
+// description), "" when none is listed.
+std::string ListedIdentifier(const std::string& name) {
+    for (const sound::SoundDeviceInfo& info : sound::EnumerateDevices()) {
+        if (info.identifier == name || info.description == name)
+            return info.identifier;
+    }
+    return {};
+}
+
+}  // namespace
+
 OutputDeviceWatch::Directory OutputDeviceWatch::SystemDirectory() {
     Directory d;
     d.refresh = [] { return sound::ReinitializeAudioLibrary() == kStatusOk; };
-    d.listed = [](const std::string& id) {
-        for (const sound::SoundDeviceInfo& info : sound::EnumerateDevices()) {
-            if (info.identifier == id)
-                return true;
-        }
-        return false;
-    };
+    d.listed = [](const std::string& id) { return !ListedIdentifier(id).empty(); };
     d.open = [](const std::string& id, std::unique_ptr<sound::SoundDevice>* device) {
-        return sound::OpenDevice(id, false, device);
+        const std::string listed = ListedIdentifier(id);
+        return sound::OpenDevice(listed.empty() ? id : listed, false, device);
     };
     return d;
 }
@@ -27,6 +36,15 @@ void OutputDeviceWatch::Watch(const std::string& identifier) {
     watched_ = identifier == sound::kNullDeviceId ? std::string() : identifier;
     lost_ = false;
     lostDescription_.clear();
+}
+
+void OutputDeviceWatch::WatchMissing(const std::string& name) {
+    Watch(name);
+    if (watched_.empty())
+        return;
+    lost_ = true;
+    lostDescription_ = name;
+    nextRetryMs_ = 0;  // the first Check looks
 }
 
 void OutputDeviceWatch::Check(double nowMs) {

@@ -52,7 +52,8 @@ class OutputDeviceWatch {
         std::function<SoundStatus(const std::string&, std::unique_ptr<sound::SoundDevice>*)> open;
     };
     // The system's sound layer (sound::ReinitializeAudioLibrary,
-    // EnumerateDevices, OpenDevice).
+    // EnumerateDevices, OpenDevice); a device is found by its identifier or
+    // its description.
     static Directory SystemDirectory();
 
     explicit OutputDeviceWatch(CRynAudioOutput& output, Directory directory = SystemDirectory());
@@ -67,6 +68,12 @@ class OutputDeviceWatch {
     // The device the user chose for this output, reopened when it comes
     // back; empty, or the Null device: nothing to watch. Ends a loss.
     void Watch(const std::string& identifier);
+    // The chosen device was not there when the output was set up (a USB card
+    // not plugged in at start-up): it is looked for from the next Check on
+    // and then every kRetryMs, as a lost one, and opened once listed. `name`
+    // is its identifier or, where only that was stored, its description.
+    // The output is left as it is (the owner puts it on the Null device).
+    void WatchMissing(const std::string& name);
     const std::string& Watched() const { return watched_; }
 
     // One look; `nowMs` is a monotonic clock in milliseconds.

@@ -164,6 +164,12 @@ class CRynHeadphonesMixer : public CRynWindow {
     OutputDeviceWatch& DeviceWatch() { return watch_; }
     // The chosen headphones device has stopped playing and is being looked for.
     bool DeviceLost() const { return watch_.Lost(); }
+    // The chosen device is not there (a USB card not plugged in when the
+    // program starts): the status says so, the headphones play on the Null
+    // device and the watch opens the device once it is listed, then hands it
+    // the decks (onDeviceBack). `name` is what the settings hold: its
+    // description or identifier. The main output is never touched.
+    void WaitForDevice(const std::string& name);
     // Shutdown: no more looks at the device (nothing is reopened while the
     // program is torn down).
     void StopDeviceWatch() { watchTimer_.stop(); }
@@ -206,6 +212,9 @@ class CRynHeadphonesMixer : public CRynWindow {
     QTimer watchTimer_;
     QElapsedTimer watchClock_;
     bool latencyRaised_ = false;
+    // The device being looked for was never opened: when it comes, its own
+    // master level is taken as the volume.
+    bool neverOpened_ = false;
     // A device that stopped answering: closing it may block until its sound
     // server answers, so it is closed only when another device is chosen or
     // the mixer goes.

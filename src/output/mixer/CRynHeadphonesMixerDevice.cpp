@@ -8,6 +8,8 @@
 //            that the mix step leaves the alignment out, and the status line
 //            says what was lost. The main output is never touched: its
 //            device, buffers and streams play on.
+//   missing -> (WaitForDevice: the chosen device was not there at start-up)
+//            as lost, the headphones on the Null device from the start.
 //   back  -> every two seconds the chosen device is looked for; once listed
 //            it is opened again, the volume slide comes back with the level
 //            it had, the headphones mix and balances are set on the new
@@ -26,6 +28,7 @@
 #include "controls/CNiSlide.h"
 #include "output/mixer/CRynHeadphonesMixer.h"
 #include "platform/sound/JackBackend.h"
+#include "platform/sound/SoundDevice.h"
 
 namespace {
 
@@ -67,8 +70,28 @@ void CRynHeadphonesMixer::RaiseLatencyWhileLost(bool raise) {
     SendAppMessage(mainMixer_, UWM_LATENCY_MAXIMUM, 0, raise ? 0 : 1);
 }
 
+void CRynHeadphonesMixer::WaitForDevice(const std::string& name) {
+    stalledEngine_.reset();
+    WatchDevice(std::string());
+    if (name.empty())
+        return;
+    output_.ReleaseAll();
+    // The Null device keeps the headphones buffers' clocks until it comes.
+    output_.OpenDevice(sound::SoundDevice::OpenNull(sound::SoundDevice::NullClock::Realtime),
+                       Handle());
+    neverOpened_ = true;
+    watch_.WatchMissing(name);
+    watchTimer_.start();
+    const QString shown = QString::fromStdString(name);
+    OnDeviceLost(name);
+    status_->setText(QStringLiteral("Headphones device missing: %1. The headphones are off until "
+                                    "it is plugged in; Mixora opens it then.")
+                         .arg(shown));
+}
+
 void CRynHeadphonesMixer::WatchDevice(const std::string& identifier) {
     RaiseLatencyWhileLost(false);
+    neverOpened_ = false;
     watch_.Watch(identifier);
     status_->setStyleSheet(QString());
     if (watch_.Watched().empty())
@@ -94,18 +117,27 @@ void CRynHeadphonesMixer::OnDeviceLost(const std::string& description) {
 }
 
 void CRynHeadphonesMixer::OnDeviceBack(const std::string& description) {
-    for (int deck = 0; deck < kDeckCount; ++deck) {
-        sync_.Reset(deck);
-        lastCursor_[deck] = -1;
-        stalled_[deck] = 0;
-    }
-    volume_->setEnabled(true);
-    OnVolumeMoved();
-    ApplyMix();
-    for (int deck = 0; deck < kDeckCount; ++deck)
-        ApplyPan(deck);
     status_->setStyleSheet(QString());
-    status_->setText(QStringLiteral("Headphones on %1").arg(QString::fromStdString(description)));
+    if (neverOpened_) {
+        // First opened now: as a device chosen, with its own master level.
+        neverOpened_ = false;
+        Opened(QString::fromStdString(description));
+        for (int deck = 0; deck < kDeckCount; ++deck)
+            ApplyPan(deck);
+    } else {
+        for (int deck = 0; deck < kDeckCount; ++deck) {
+            sync_.Reset(deck);
+            lastCursor_[deck] = -1;
+            stalled_[deck] = 0;
+        }
+        volume_->setEnabled(true);
+        OnVolumeMoved();
+        ApplyMix();
+        for (int deck = 0; deck < kDeckCount; ++deck)
+            ApplyPan(deck);
+        status_->setText(
+            QStringLiteral("Headphones on %1").arg(QString::fromStdString(description)));
+    }
     if (onDeviceBack)
         onDeviceBack();
     RaiseLatencyWhileLost(false);

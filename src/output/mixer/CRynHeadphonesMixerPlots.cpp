@@ -86,7 +86,7 @@ void CRynHeadphonesMixer::DrawDeck(int deck, const dsp::DeckAnalysis& analysis, 
         const int channel = count == 1 ? -1 : which;
         if (PlotIsScope(which)) {
             graph_values::ScopeTrace(analysis.At(slot), channel, 0, dsp::DeckAnalysis::kMaxGroups,
-                                     allGroups, 1.0, trace_);
+                                     allGroups, 1.0, analysis.IntegerValues(), trace_);
             plots_[which]->PlotY(deck, std::span<const double>(trace_));
         } else {
             graph_values::SpreadBars(analysis, channel, bars_);

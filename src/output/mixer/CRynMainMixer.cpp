@@ -249,6 +249,12 @@ void CRynMainMixer::LayoutBuilt() {
     buildingLayout_ = false;
     for (int d = 0; d < 2; ++d)
         ChangeLatency(d, WriteAheadTarget::Override::Quarter, true);
+    // A headphones device missing at start-up asked for the maximum while
+    // the layout was built: the request stands until the device is opened.
+    if (headphones_ && headphones_->DeviceLost()) {
+        for (int d = 0; d < 2; ++d)
+            ChangeLatency(d, WriteAheadTarget::Override::Maximum, true);
+    }
     ApplyStoredMeters();
 }
 
@@ -482,8 +488,8 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             return 0;
         case UWM_SET_SOUND_DEVICE: {
             // lParam: the chosen item of the configuration window's device
-            // table, 0 for the disabled entry. MIXORA_SOUND_DEVICE still
-            // forces the main device.
+            // table, 0 for the disabled entry, -1 for a stored device that is
+            // not listed. MIXORA_SOUND_DEVICE still forces the main device.
             const QByteArray forced = qgetenv("MIXORA_SOUND_DEVICE");
             std::string id = device_table::Identifier(lParam);
             if (wParam == 0) {
@@ -492,6 +498,10 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
                 else if (lParam != 0 && id.empty())
                     id = StartupDeviceIdentifier();
                 ChooseMainDevice(id);
+            } else if (wParam == 1 && lParam == device_table::kMissingDeviceItem) {
+                // The stored headphones device is not there: looked for.
+                if (headphones_)
+                    headphones_->WaitForDevice(Settings().GetSoundDevicePhones().toStdString());
             } else if (wParam == 1) {
                 ChooseHeadphonesDevice(id);
             }

@@ -143,7 +143,11 @@ class CRynMainMixer : public CRynWindow {
     int HeardSlot(int deck) const;
     // Blocks drawn on the mixer's meters so far, per deck (tests).
     int MeterDraws(int deck) const { return meterDraws_[deck]; }
-    // Double click: only that graph stays on (again: all come back).
+    // Double click (template, control id): only that graph stays on, every
+    // other is switched off: each deck's graphs one by one, the 3D graph's
+    // enable, the mixer's band graphs, the headphones plots, and their
+    // settings follow. The same double click again brings them all back (the
+    // 3D graph as it was before).
     void SelectGraphOnly(int templateId, int controlId);
     // All graphs store integers (true) or doubles.
     void SetGraphIntegers(bool on);
@@ -311,6 +315,7 @@ class CRynMainMixer : public CRynWindow {
     std::array<double, 100> scope_{};  // the small graph's trace, reused by every draw
     std::array<int, 2> meterDraws_{};
     std::pair<int, int> exclusiveGraph_{0, 0};
+    bool graph3dBefore_ = false;  // the 3D graph's enable before a graph was shown alone
     OutputDeviceWatch mainWatch_{mainOutput_};
     QTimer watchTimer_;
     QElapsedTimer clock_;

@@ -99,7 +99,8 @@ void CRynMainMixer::DrawGraphsAndMeters() {
         Feed3DGraph(d, graphs.Analysis().CurrentValues());
         if (meters_->WantsScope(d)) {
             const dsp::DeckAnalysis& a = graphs.Analysis();
-            graph_values::ScopeTrace(a.At(slot), -1, 0, a.Groups().groups, ~0u, 1.0, scope_);
+            graph_values::ScopeTrace(a.At(slot), -1, 0, a.Groups().groups, ~0u, 1.0,
+                                     a.IntegerValues(), scope_);
             meters_->ShowScope(d, scope_);
         }
         if (phonesShown)
@@ -121,23 +122,40 @@ void CRynMainMixer::OnOverloadLampChanged() {
 
 void CRynMainMixer::SelectGraphOnly(int templateId, int controlId) {
     // A second double click on the graph shown alone brings every graph back.
-    const bool restore = exclusiveGraph_ == std::make_pair(templateId, controlId);
-    exclusiveGraph_ = restore ? std::make_pair(0, 0) : std::make_pair(templateId, controlId);
+    const std::pair<int, int> clicked{templateId, controlId};
+    const bool restore = exclusiveGraph_ == clicked;
+    if (exclusiveGraph_ == std::make_pair(0, 0) && graph3d_)
+        graph3dBefore_ = graph3d_->GraphEnabled();
+    exclusiveGraph_ = restore ? std::make_pair(0, 0) : clicked;
+    const auto alone = [&](int t, int id) { return restore || clicked == std::make_pair(t, id); };
+    bool mixerGraphs = false;
     for (int d = 0; d < 2; ++d) {
-        if (!decks_[d])
-            continue;
-        const bool deckGraph =
-            templateId == CRynDeck::kTemplateId && (controlId == CRynDeck::GraphControlId(d, 0) ||
-                                                    controlId == CRynDeck::GraphControlId(d, 1));
-        decks_[d]->Graphs().SetGraphsOn(restore || deckGraph);
-        const bool mixerGraph = templateId == kTemplateId && controlId == kBandGraphIds[d];
-        meters_->BandGraph(d)->setVisible(restore || mixerGraph);
+        if (decks_[d]) {
+            for (int g = 0; g < 2; ++g)
+                decks_[d]->Graphs().SetGraphOn(
+                    g, alone(CRynDeck::kTemplateId, CRynDeck::GraphControlId(d, g)));
+        }
+        const bool mixerGraph = alone(kTemplateId, kBandGraphIds[d]);
+        // A deck whose meters are off keeps its graph hidden.
+        meters_->BandGraph(d)->setVisible(mixerGraph && Engine().decks[d].metersOff.load() == 0);
+        mixerGraphs |= mixerGraph;
+    }
+    Settings().SetMainMixerGraphEnabledState(mixerGraphs);
+    if (graph3d_) {
+        const bool on =
+            restore ? graph3dBefore_
+                    : clicked == std::make_pair(CRyn3DGraph::kTemplateId, CRyn3DGraph::kSurfaceId);
+        graph3d_->SetGraphEnabled(on);
     }
     if (headphones_) {
+        bool plots = false;
         for (int i = 0; i < 2; ++i) {
-            headphones_->SetPlotOn(i, restore || (templateId == CRynHeadphonesMixer::kTemplateId &&
-                                                  controlId == CRynHeadphonesMixer::kPlotIds[i]));
+            const bool on =
+                alone(CRynHeadphonesMixer::kTemplateId, CRynHeadphonesMixer::kPlotIds[i]);
+            headphones_->SetPlotOn(i, on);
+            plots |= on;
         }
+        Settings().SetPhonesMixerGraphEnabledState(plots);
     }
 }
 

@@ -160,6 +160,11 @@ void CRynConfigure::SelectStoredDevices() {
                 const int system = DefaultOutputItem(list);
                 item = system > 0 ? system : (list->count() > 1 ? 1 : 0);
             }
+        } else if (item < 0 && !stored[output].isEmpty()) {
+            // The stored headphones device is not there (a card not plugged
+            // in): it stays the choice, shown in the list, and is looked for.
+            list->addItem(stored[output], device_table::kMissingDeviceItem);
+            item = list->count() - 1;
         } else if (item < 0) {
             // The second device, but never the silent Null device.
             const bool real = list->count() > 2 &&

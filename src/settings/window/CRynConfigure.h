@@ -7,7 +7,8 @@
 // the engine state, or sends or posts an application message to the main
 // mixer, which does the work:
 //   device chosen        -> UWM_SET_SOUND_DEVICE (output 0 main / 1 phones,
-//                           device table index; 0 = disabled), sent
+//                           device table index; 0 = disabled, -1 = the
+//                           stored device, not listed), sent
 //   equalizer type       -> UWM_EQ_TYPE (deck, 1 "Orvane" / 0 "Direct
 //                           Sound"), posted
 //   equalizer numbers    -> UWM_EQ_NUMBER_TYPE (deck, 1 "Ints" / 0 "Floats"),
@@ -27,8 +28,11 @@
 // sound layer lists that can be opened (the silent Null device last); one
 // device never serves both outputs. The stored choices ("soundDeviceMain",
 // "soundDevicePhones", the list texts) are selected again at start-up; a
-// stored device that is gone falls back to the first device for the main
-// output and the second real one for the headphones, else disabled.
+// stored main device that is gone falls back to the system's default; a
+// stored headphones device that is gone (a card not plugged in) stays the
+// choice, listed last and sent as device_table::kMissingDeviceItem, so the
+// headphones mixer looks for it; with none stored the headphones take the
+// second real device, else none.
 //
 // User-interface thread only.
 #pragma once

@@ -17,6 +17,9 @@ namespace device_table {
 
 inline constexpr int kMaxDevices = 20;
 inline constexpr char kDisabledText[] = "No Sound Device Selected (Disabled)";
+// The item sent for a stored device that is not listed (a USB card not
+// plugged in): the receiver looks for the device by its stored name.
+inline constexpr int kMissingDeviceItem = -1;
 
 // Replaces the table: item 0 the disabled entry, then `devices` in order
 // (beyond the 20th they are left out).

@@ -56,9 +56,9 @@ TEST(GraphValues, ScopeTraceSumsTheGroupsTheMaskLetsThrough) {
     Measure(a, 3);  // 3 groups of one band
     const auto& s = a.At(0);
     std::array<double, dsp::DeckAnalysis::kPoints> all{}, low{}, loud{};
-    graph_values::ScopeTrace(s, 0, 0, 3, ~0u, 1.0, all);
-    graph_values::ScopeTrace(s, 0, 0, 3, 0b001u, 1.0, low);
-    graph_values::ScopeTrace(s, -1, 0, 1, ~0u, 2.0, loud);
+    graph_values::ScopeTrace(s, 0, 0, 3, ~0u, 1.0, false, all);
+    graph_values::ScopeTrace(s, 0, 0, 3, 0b001u, 1.0, false, low);
+    graph_values::ScopeTrace(s, -1, 0, 1, ~0u, 2.0, false, loud);
     double energy = 0.0;
     for (int j = 0; j < dsp::DeckAnalysis::kPoints; ++j) {
         const auto& t = s.channels[0].traces;
@@ -69,4 +69,21 @@ TEST(GraphValues, ScopeTraceSumsTheGroupsTheMaskLetsThrough) {
         energy += std::abs(all[j]);
     }
     EXPECT_GT(energy, 1000.0);
+}
+
+TEST(GraphValues, IntegerGraphValuesDrawWholeNumbersEvenWhereChannelsAreAveraged) {
+    dsp::DeckAnalysis::Slot s;
+    for (int j = 0; j < dsp::DeckAnalysis::kPoints; ++j) {
+        s.channels[0].traces[0][j] = j;  // odd sums: their mean has a half
+        s.channels[1].traces[0][j] = j + 1;
+    }
+    std::array<double, dsp::DeckAnalysis::kPoints> floats{}, ints{}, gained{};
+    graph_values::ScopeTrace(s, -1, 0, 1, ~0u, 1.0, false, floats);
+    graph_values::ScopeTrace(s, -1, 0, 1, ~0u, 1.0, true, ints);
+    graph_values::ScopeTrace(s, 0, 0, 1, ~0u, 0.3, true, gained);
+    for (int j = 0; j < dsp::DeckAnalysis::kPoints; ++j) {
+        EXPECT_DOUBLE_EQ(floats[j], j + 0.5);
+        EXPECT_DOUBLE_EQ(ints[j], j);
+        EXPECT_DOUBLE_EQ(gained[j], std::trunc(0.3 * j));
+    }
 }

@@ -113,12 +113,23 @@ TEST_F(ConfigureTest, OneRealDeviceGoesToTheMainOutputOnTheFirstStart) {
     EXPECT_EQ(bare->DeviceList(0)->count(), 2);
     EXPECT_EQ(DeviceSends(), (Sends{{0, kNull.identifier}, {1, ""}}));
 
-    // A stored device that is gone: the fall-backs.
+    // A stored device that is gone: the main output falls back to the first
+    // device; the headphones keep their choice, shown last in the list and
+    // sent as missing so that the headphones mixer looks for it.
     mixer.got.clear();
     Settings().SetSoundDeviceMain("Gone (ALSA)");
     Settings().SetSoundDevicePhones("Gone too (ALSA)");
     auto gone = Make({kNull, kCard, kUsb});
-    EXPECT_EQ(DeviceSends(), (Sends{{0, kCard.identifier}, {1, kUsb.identifier}}));
+    EXPECT_EQ(DeviceSends(), (Sends{{0, kCard.identifier}, {1, ""}}));
+    ASSERT_FALSE(mixer.got.empty());
+    bool missingSent = false;
+    for (const auto& m : mixer.got)
+        missingSent |=
+            m.msg == UWM_SET_SOUND_DEVICE && m.w == 1 && m.l == device_table::kMissingDeviceItem;
+    EXPECT_TRUE(missingSent);
+    EXPECT_EQ(gone->DeviceList(1)->currentText(), "Gone too (ALSA)");
+    EXPECT_EQ(Settings().GetSoundDevicePhones(), "Gone too (ALSA)");
+    EXPECT_EQ(Settings().GetSoundDeviceMain(), kCard.description.c_str());
 }
 
 TEST_F(ConfigureTest, LatencyLabelsAndTargets) {
