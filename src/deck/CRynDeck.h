@@ -61,7 +61,7 @@ class CRynDeck : public CRynWindow {
 
     // Window timers of the deck (the disc buffer keeps its own watchdog).
     static constexpr int kBlinkTimer = 1;        // 300 ms: end-of-track blink
-    static constexpr int kRedropTimer = 2;       // 100 ms: a drop waiting for the prime
+    static constexpr int kRedropTimer = 2;       // 100 ms: re-drop after a reposition
     static constexpr int kDriveReopenTimer = 3;  // 100 ms once: CD eject reopens the drive
     static constexpr int kCdStartTimer = 9;      // 750 ms once: first track of a new disc
     static constexpr int kWindTimer = 10;        // 100 ms: wind ticks
@@ -286,7 +286,6 @@ class CRynDeck : public CRynWindow {
     bool trackEnded_ = false;
     int savedDriveItem_ = 0;
     int redropCount_ = 0;
-    bool dropPending_ = false;  // the needle is down, waiting for the output's prime
     bool blinkRed_ = false;
     bool windForward_ = false;
     bool windBack_ = false;

@@ -51,17 +51,6 @@ void CRynDeck::StopTurntable() {
 
 void CRynDeck::DropNeedle() {
     dropLift_->SetCaption(QStringLiteral("lift"));
-    if (!trackEnded_ && Rotating() && !transport_->Primed()) {
-        // The reader's first fill is still on its way (a slow drive, a busy
-        // machine), and it rebuilds the deck's output: the needle is shown
-        // down now and plays once the output is primed (RedropTick).
-        dropPending_ = true;
-        redropCount_ = 0;
-        SetWindowTimer(kRedropTimer, 100);
-        FocusHost();
-        return;
-    }
-    dropPending_ = false;
     if (!trackEnded_) {
         Disc().SetReadErrorLed(false);
         transport_->RestartElapsedCount();
@@ -77,9 +66,6 @@ void CRynDeck::DropNeedle() {
 }
 
 void CRynDeck::LiftNeedle() {
-    // A lift cancels a drop still waiting for the output.
-    dropPending_ = false;
-    KillWindowTimer(kRedropTimer);
     EndReverseQuietly();
     DeckSharedState& shared = Engine().decks[deck_];
     shared.freshDataLow.store(0);
@@ -164,22 +150,14 @@ void CRynDeck::RedropTick() {
     ++redropCount_;
     // Only once the output is primed again: a needle dropped before the new
     // first fill would start buffers that the fill then rebuilds.
-    const bool waiting = dropPending_ || dropLift_->Caption() == QLatin1String("drop");
-    if (dropLift_->isEnabled() && Rotating() && waiting && transport_->Primed()) {
+    if (dropLift_->isEnabled() && Rotating() && dropLift_->Caption() == QLatin1String("drop") &&
+        transport_->Primed()) {
         KillWindowTimer(kRedropTimer);
-        dropPending_ = false;
         DropNeedle();
         return;
     }
-    // A reposition's drop waits 5 s; one the user asked for waits 30 s (a CD
-    // drive spinning up), then the needle is shown up again.
-    if (redropCount_ > (dropPending_ ? 300 : 50)) {
+    if (redropCount_ > 50)
         KillWindowTimer(kRedropTimer);
-        if (dropPending_) {
-            dropPending_ = false;
-            dropLift_->SetCaption(QStringLiteral("drop"));
-        }
-    }
 }
 
 void CRynDeck::ProgressTick() {

@@ -122,7 +122,7 @@ TEST(DeckPlayback, ANeedleDroppedBeforeTheFirstFillPlaysOnceTheOutputIsPrimed) {
     deck.LiftNeedle();
     EXPECT_EQ(deck.DropLiftButton()->Caption(), "drop");
     ASSERT_TRUE(testsupport::WaitFor([&] { return deck.Primed(); }, 5000));
-    testsupport::WaitFor([] { return false; }, 300);  // past the pending drop's next look
+    testsupport::WaitFor([] { return false; }, 300);  // the primed output stays stopped
     EXPECT_FALSE(rig.Mixer().MainOutput().IsForwardPlaying(0));
     EXPECT_EQ(Engine().decks[0].isPlaying.load(), 0);
 }

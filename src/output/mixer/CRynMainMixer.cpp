@@ -607,6 +607,11 @@ LResult CRynMainMixer::OnDeckMessage(Uwm msg, int deck, LParam lParam) {
             sink_->Prime(deck, shared.writeAheadBlocks.load());
             if (decks_[deck])
                 decks_[deck]->Transport().OnPrimed();
+            // A needle dropped before the first fill (a slow drive, a busy
+            // machine) found no buffers to start: they start now, primed.
+            if (shared.isPlaying.load() != 0 && decks_[deck] && !decks_[deck]->IsReverse() &&
+                !decks_[deck]->Turntable().Holds())
+                sink_->PlayForward(deck, true);
             break;
         case UWM_CREATE_DECK_BUFFERS:
             sink_->CreateDeckBuffers(deck, value > 0 ? value : 44100);
