@@ -3,8 +3,8 @@
 #include <QComboBox>
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QKeyEvent>
 #include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QTimer>
 #include <array>
 #include <memory>
