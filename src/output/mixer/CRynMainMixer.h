@@ -280,6 +280,12 @@ class CRynMainMixer : public CRynWindow {
     // The watch opened the chosen device (back after a loss, or missing at
     // start-up and now there).
     void OnMainDeviceReturned();
+    // The decks stop as if the needles were lifted and show `deckText` in
+    // their track displays; the mixer's notice line shows `mixerText`.
+    void ShowMainDeviceNotice(const QString& deckText, const QString& mixerText);
+    // The volume slide takes the main device's master level; the balance
+    // centres (a device chosen or first opened).
+    void ShowMasterLevel();
     // A headphones device was opened (chosen, or back after a loss): the
     // decks with buffers on the main device get them on it, in step, with
     // their effects, the headphones mix and balances (MainMixerHeadphones.cpp).

@@ -88,6 +88,10 @@ void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
     if (!deviceNotice_->isHidden())
         OnMainDeviceBack();  // a new choice ends a loss
     watchTimer_.start();
+    ShowMasterLevel();
+}
+
+void CRynMainMixer::ShowMasterLevel() {
     // The volume slide shows the device's master level; balance to the centre.
     panel_->SetVolume(static_cast<float>(
         (mainOutput_.MasterLeftPercent() + mainOutput_.MasterRightPercent()) * 0.005));
@@ -114,20 +118,11 @@ void CRynMainMixer::WaitForMainDevice(const std::string& name) {
     mainNeverOpened_ = true;
     watchTimer_.start();
     const QString shown = QString::fromStdString(name);
-    for (CRynDeck* deck : decks_) {
-        if (!deck)
-            continue;
-        if (deck->NeedleDown())
-            deck->LiftNeedle();
-        deck->SetDeviceNotice(QStringLiteral("Sound device missing: %1").arg(shown));
-    }
-    deviceNotice_->setText(QStringLiteral("Main sound device missing: %1. Playing silently until "
-                                          "it is plugged in or started; Mixora opens it then.")
-                               .arg(shown));
-    deviceNotice_->show();
-    panel_->SetVolume(static_cast<float>(
-        (mainOutput_.MasterLeftPercent() + mainOutput_.MasterRightPercent()) * 0.005));
-    panel_->SetBalance(0.0f);
+    ShowMainDeviceNotice(QStringLiteral("Sound device missing: %1").arg(shown),
+                         QStringLiteral("Main sound device missing: %1. Playing silently until it "
+                                        "is plugged in or started; Mixora opens it then.")
+                             .arg(shown));
+    ShowMasterLevel();
 }
 
 void CRynMainMixer::OnMainDeviceReturned() {
@@ -139,26 +134,29 @@ void CRynMainMixer::OnMainDeviceReturned() {
         // Watched from now on by the identifier it opened with, as a device
         // chosen in the configuration window.
         mainWatch_.Watch(device->Identifier());
-        panel_->SetVolume(static_cast<float>(
-            (mainOutput_.MasterLeftPercent() + mainOutput_.MasterRightPercent()) * 0.005));
-        panel_->SetBalance(0.0f);
+        ShowMasterLevel();
     }
     Keep3DSound();
 }
 
 void CRynMainMixer::OnMainDeviceLost(const std::string& description) {
     const QString name = QString::fromStdString(description);
+    ShowMainDeviceNotice(QStringLiteral("Sound device lost: %1").arg(name),
+                         QStringLiteral("Main sound device lost: %1. Playing silently until it "
+                                        "returns; Mixora reopens it then.")
+                             .arg(name));
+}
+
+void CRynMainMixer::ShowMainDeviceNotice(const QString& deckText, const QString& mixerText) {
     for (CRynDeck* deck : decks_) {
         if (!deck)
             continue;
         // Stopped as if the needle were lifted; lists and settings stay.
         if (deck->NeedleDown())
             deck->LiftNeedle();
-        deck->SetDeviceNotice(QStringLiteral("Sound device lost: %1").arg(name));
+        deck->SetDeviceNotice(deckText);
     }
-    deviceNotice_->setText(QStringLiteral("Main sound device lost: %1. Playing silently until it "
-                                          "returns; Mixora reopens it then.")
-                               .arg(name));
+    deviceNotice_->setText(mixerText);
     deviceNotice_->show();
 }
 
