@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QThread>
 #include <csignal>
@@ -146,6 +147,54 @@ TEST(DeviceLoss, TheJackServerGoesAwayAndComesBack) {
     child.Signal(SIGTERM);
     ASSERT_TRUE(child.Wait(20000));
     EXPECT_EQ(child.ExitCode(), 0);
+    server.Stop();
+}
+
+// The stored main device is a JACK server's output that is not running yet
+// when the program starts: the program plays on the Null device and says the
+// device is missing, quietly (nothing on standard error); the server starts
+// and the program opens it and plays on it within five seconds.
+TEST(DeviceLoss, AMainDeviceMissingAtStartIsOpenedWhenItsServerStarts) {
+    if (!testsupport::JackServer::Installed())
+        GTEST_SKIP() << "jackd is not installed (Debian package jackd2)";
+    ASSERT_TRUE(QFileInfo::exists(MIXORA_BINARY_DIR "/mixora"));
+    const QString name = QString("mixora-missing-%1").arg(QCoreApplication::applicationPid());
+    testsupport::JackServer server(name);
+    const QString tone = testsupport::MakeTone("missing-tone.wav", 440, 60);
+    ASSERT_FALSE(tone.isEmpty());
+
+    testsupport::MixoraChild child;
+    // The choice stored by an earlier run, as the configuration window keeps it.
+    ASSERT_TRUE(QDir().mkpath(child.ConfigDir()));
+    QFile conf(child.ConfigDir() + "/Mixora.conf");
+    ASSERT_TRUE(conf.open(QIODevice::WriteOnly));
+    conf.write("[General]\nsoundDeviceMain=\"system (JACK Audio Connection Kit)\"\n");
+    conf.close();
+    ASSERT_TRUE(child.Start({tone}, {"MIXORA_AUTOTEST=device-watch",
+                                     "MIXORA_SOUND_DEVICE=", "JACK_DEFAULT_SERVER=" + name}));
+
+    // Missing: shown in the track display, deck A plays on the Null device.
+    const Watch missing = WaitForWatch(child, 0, 15000, [](const Watch& w) {
+        return w.lost && w.device == "null" && w.needle == "lift" && w.elapsed > 0.5 &&
+               w.display.startsWith("Sound device missing: system (JACK Audio Connection Kit)");
+    });
+    ASSERT_NE(missing.ms, 0) << child.Log().join('\n').toStdString();
+
+    ASSERT_TRUE(server.Start()) << server.Log().constData();
+    const qint64 started = QDateTime::currentMSecsSinceEpoch();
+    const Watch opened = WaitForWatch(child, started, 8000, [](const Watch& w) {
+        return !w.lost && w.device == kJackDevice && w.needle == "lift" && w.frames > 4410;
+    });
+    ASSERT_NE(opened.ms, 0) << child.Log().join('\n').toStdString();
+    EXPECT_LE(opened.ms - started, 5000);
+    EXPECT_FALSE(opened.display.startsWith("Sound device missing"));
+    std::printf("main device missing at start: playing on it %lld ms after its server started\n",
+                opened.ms - started);
+
+    child.Signal(SIGTERM);
+    ASSERT_TRUE(child.Wait(20000));
+    EXPECT_EQ(child.ExitCode(), 0);
+    EXPECT_TRUE(child.Stderr().isEmpty()) << child.Stderr().constData();
     server.Stop();
 }
 

@@ -56,10 +56,7 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     recording_->Register(Registry(), this);
 
     mainWatch_.onLost = [this](const std::string& description) { OnMainDeviceLost(description); };
-    mainWatch_.onBack = [this](const std::string&) {
-        OnMainDeviceBack();
-        Keep3DSound();
-    };
+    mainWatch_.onBack = [this](const std::string&) { OnMainDeviceReturned(); };
     mainWatch_.onBuffersRebuilt = [this](int deck) {
         // New buffers carry no settings: effects, gains, tempo and pans again.
         ApplyDeckEffects(deck);
@@ -131,71 +128,6 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
 void CRynMainMixer::SetHeadphonesOutput(CRynAudioOutput* output) {
     headphonesOutput_ = output;
     cycle_.BindOutputs(&mainOutput_, output);
-}
-
-std::string CRynMainMixer::StartupDeviceIdentifier() {
-    const QByteArray forced = qgetenv("MIXORA_SOUND_DEVICE");
-    if (!forced.isEmpty())
-        return forced.toStdString();
-    const std::vector<sound::SoundDeviceInfo> devices = sound::EnumerateDevices();
-    const std::string stored = Settings().GetSoundDeviceMain().toStdString();
-    if (!stored.empty()) {
-        for (const sound::SoundDeviceInfo& d : devices) {
-            if (d.description == stored || d.identifier == stored)
-                return d.identifier;
-        }
-    }
-    // The system's default output: PortAudio lists it as "default" on ALSA
-    // and PulseAudio systems; else the first real device, else silence.
-    const sound::SoundDeviceInfo* first = nullptr;
-    for (const sound::SoundDeviceInfo& d : devices) {
-        if (d.identifier.rfind("pa:", 0) != 0)
-            continue;
-        if (d.identifier.size() >= 8 &&
-            d.identifier.compare(d.identifier.size() - 8, 8, ":default") == 0)
-            return d.identifier;
-        if (!first)
-            first = &d;
-    }
-    return first ? first->identifier : std::string(sound::kNullDeviceId);
-}
-
-void CRynMainMixer::ChooseMainDevice(const std::string& identifier) {
-    for (int d = 0; d < 2; ++d) {
-        if (decks_[d] && decks_[d]->Rotating())
-            decks_[d]->StopTurntable();
-    }
-    if (identifier.empty()) {
-        // The disabled choice: no device, the master controls at rest.
-        mainWatch_.Watch(std::string());
-        watchTimer_.stop();
-        if (!deviceNotice_->isHidden())
-            OnMainDeviceBack();
-        mainOutput_.ReleaseAll();
-        mainOutput_.CloseDevice();
-        panel_->SetBalance(0.0f);
-        QThread::msleep(100);
-        panel_->SetVolume(0.0f);
-        panel_->SetMasterEnabled(false);
-        return;
-    }
-    panel_->SetMasterEnabled(true);
-    qCDebug(lcTrace, "CRynMainMixer opens the main device %s", identifier.c_str());
-    if (mainOutput_.OpenDevice(identifier, identifier, Handle(), sound3D_) != 0) {
-        qWarning("Mixora: the sound device %s could not be opened; playing silently.",
-                 identifier.c_str());
-        mainOutput_.OpenDevice(sound::kNullDeviceId, sound::kNullDeviceId, Handle(), sound3D_);
-        mainWatch_.Watch(std::string());
-    } else {
-        mainWatch_.Watch(identifier);
-    }
-    if (!deviceNotice_->isHidden())
-        OnMainDeviceBack();  // a new choice ends a loss
-    watchTimer_.start();
-    // The volume slide shows the device's master level; balance to the centre.
-    panel_->SetVolume(static_cast<float>(
-        (mainOutput_.MasterLeftPercent() + mainOutput_.MasterRightPercent()) * 0.005));
-    panel_->SetBalance(0.0f);
 }
 
 void CRynMainMixer::ChooseHeadphonesDevice(const std::string& identifier) {
@@ -412,35 +344,6 @@ QString CRynMainMixer::DeviceNoticeText() const {
     return deviceNotice_->isHidden() ? QString() : deviceNotice_->text();
 }
 
-void CRynMainMixer::OnMainDeviceLost(const std::string& description) {
-    const QString name = QString::fromStdString(description);
-    for (CRynDeck* deck : decks_) {
-        if (!deck)
-            continue;
-        // Stopped as if the needle were lifted; lists and settings stay.
-        if (deck->NeedleDown())
-            deck->LiftNeedle();
-        deck->SetDeviceNotice(QStringLiteral("Sound device lost: %1").arg(name));
-    }
-    deviceNotice_->setText(QStringLiteral("Main sound device lost: %1. Playing silently until it "
-                                          "returns; Mixora reopens it then.")
-                               .arg(name));
-    deviceNotice_->show();
-}
-
-void CRynMainMixer::OnMainDeviceBack() {
-    for (CRynDeck* deck : decks_) {
-        if (!deck)
-            continue;
-        // Whatever played on the Null device meanwhile stops: drop the needle again.
-        if (deck->NeedleDown())
-            deck->LiftNeedle();
-        deck->SetDeviceNotice(QString());
-    }
-    deviceNotice_->clear();
-    deviceNotice_->hide();
-}
-
 void CRynMainMixer::OnTick() {
     overloadLampOn_ = !overloadLampOn_;
     OnOverloadLampChanged();
@@ -492,7 +395,10 @@ LResult CRynMainMixer::OnAppMessage(Uwm msg, WParam wParam, LParam lParam) {
             // not listed. MIXORA_SOUND_DEVICE still forces the main device.
             const QByteArray forced = qgetenv("MIXORA_SOUND_DEVICE");
             std::string id = device_table::Identifier(lParam);
-            if (wParam == 0) {
+            if (wParam == 0 && lParam == device_table::kMissingDeviceItem && forced.isEmpty()) {
+                // The stored main device is not there: played silently, looked for.
+                WaitForMainDevice(Settings().GetSoundDeviceMain().toStdString());
+            } else if (wParam == 0) {
                 if (lParam != 0 && !forced.isEmpty())
                     id = forced.toStdString();
                 else if (lParam != 0 && id.empty())

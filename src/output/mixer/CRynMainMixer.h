@@ -87,6 +87,14 @@ class CRynMainMixer : public CRynWindow {
     // and the output plays on the Null device until the chosen device is
     // listed again and reopened.
     OutputDeviceWatch& MainWatch() { return mainWatch_; }
+    // The stored main device is not there at start-up (a USB card not
+    // plugged in, a JACK server not started): the output plays on the Null
+    // device, the mixer and the decks' track displays say the device is
+    // missing, and the watch looks for it every two seconds; once listed it
+    // is opened as if chosen (MainMixerDevice.cpp). `name` is the stored
+    // choice: the device's description or identifier. Choosing a device ends
+    // the wait.
+    void WaitForMainDevice(const std::string& name);
     // The mixer's notice line ("" while the main device plays).
     QString DeviceNoticeText() const;
     // The device chosen at start-up: MIXORA_SOUND_DEVICE, else the stored
@@ -269,6 +277,15 @@ class CRynMainMixer : public CRynWindow {
     void ShowTempo(int deck);
     void OnMainDeviceLost(const std::string& description);
     void OnMainDeviceBack();
+    // The watch opened the chosen device (back after a loss, or missing at
+    // start-up and now there).
+    void OnMainDeviceReturned();
+    // The decks stop as if the needles were lifted and show `deckText` in
+    // their track displays; the mixer's notice line shows `mixerText`.
+    void ShowMainDeviceNotice(const QString& deckText, const QString& mixerText);
+    // The volume slide takes the main device's master level; the balance
+    // centres (a device chosen or first opened).
+    void ShowMasterLevel();
     // A headphones device was opened (chosen, or back after a loss): the
     // decks with buffers on the main device get them on it, in step, with
     // their effects, the headphones mix and balances (MainMixerHeadphones.cpp).
@@ -320,6 +337,9 @@ class CRynMainMixer : public CRynWindow {
     QTimer watchTimer_;
     QElapsedTimer clock_;
     QLabel* deviceNotice_ = nullptr;
+    // The main device being looked for was missing at start-up and was
+    // never opened: once it comes it is set up as a device chosen.
+    bool mainNeverOpened_ = false;
     bool sound3D_ = false;
     float listenerX_ = 0.0f, listenerY_ = 0.0f;
     bool surfaceFed_ = false;

@@ -61,8 +61,11 @@ void CRynMainMixer::ApplyListener() {
 
 void CRynMainMixer::Switch3DSound(bool on) {
     sound3D_ = on;
-    // The device the user chose (a lost one is being watched for), else
-    // the one playing.
+    // A device lost or missing is opened by the watch when it comes, and
+    // the choice is applied then (Keep3DSound).
+    if (mainWatch_.Lost())
+        return;
+    // The device the user chose, else the one playing.
     std::string id = mainWatch_.Watched();
     if (id.empty() && mainOutput_.Device())
         id = mainOutput_.Device()->Identifier();

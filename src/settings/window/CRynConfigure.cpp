@@ -2,6 +2,7 @@
 
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QColor>
 #include <QComboBox>
 #include <QLabel>
 #include <cmath>
@@ -34,6 +35,31 @@ int DefaultOutputItem(const QComboBox* list) {
             return i;
     }
     return -1;
+}
+
+// Adds a stored device that is not listed (a USB card not plugged in, a JACK
+// server not started): its stored text, so the choice is stored again as it
+// was, greyed and explained; its data says it is missing. Returns its item.
+int AddMissingItem(QComboBox* list, const QString& stored) {
+    list->addItem(stored, device_table::kMissingDeviceItem);
+    const int item = list->count() - 1;
+    list->setItemData(item, QColor(Qt::gray), Qt::ForegroundRole);
+    list->setItemData(item, QStringLiteral("Not found: Mixora opens this device when it appears."),
+                      Qt::ToolTipRole);
+    return item;
+}
+
+// Whether item `a` of one output's list and item `b` of the other's are the
+// same device. Both lists hold the same devices in the same order; a missing
+// device each list adds for itself is compared by its stored text.
+bool SameDevice(const QComboBox* one, int a, const QComboBox* other, int b) {
+    if (a <= 0 || b <= 0 || a >= one->count() || b >= other->count())
+        return false;
+    const bool missingA = one->itemData(a).toInt() == device_table::kMissingDeviceItem;
+    const bool missingB = other->itemData(b).toInt() == device_table::kMissingDeviceItem;
+    if (missingA || missingB)
+        return missingA && missingB && one->itemText(a) == other->itemText(b);
+    return a == b;
 }
 
 }  // namespace
@@ -156,15 +182,19 @@ void CRynConfigure::SelectStoredDevices() {
                 const int found = index > 0 ? list->findData(index) : -1;
                 item = found > 0 ? found : (list->count() > 1 ? 1 : 0);
             }
-            if (item < 0) {
+            if (item < 0 && forced.isEmpty() && !stored[output].isEmpty()) {
+                // The stored main device is not there (a card not plugged in,
+                // a sound server not started): it stays the choice, shown in
+                // the list, and the main mixer plays silently and looks for it.
+                item = AddMissingItem(list, stored[output]);
+            } else if (item < 0) {
                 const int system = DefaultOutputItem(list);
                 item = system > 0 ? system : (list->count() > 1 ? 1 : 0);
             }
         } else if (item < 0 && !stored[output].isEmpty()) {
             // The stored headphones device is not there (a card not plugged
             // in): it stays the choice, shown in the list, and is looked for.
-            list->addItem(stored[output], device_table::kMissingDeviceItem);
-            item = list->count() - 1;
+            item = AddMissingItem(list, stored[output]);
         } else if (item < 0) {
             // The second device, but never the silent Null device.
             const bool real = list->count() > 2 &&
@@ -177,8 +207,8 @@ void CRynConfigure::SelectStoredDevices() {
         list->setCurrentIndex(item);
     }
     // One device never serves both outputs.
-    if (devices_[1]->currentIndex() != 0 &&
-        devices_[1]->currentIndex() == devices_[0]->currentIndex()) {
+    if (SameDevice(devices_[1], devices_[1]->currentIndex(), devices_[0],
+                   devices_[0]->currentIndex())) {
         const QSignalBlocker block(devices_[1]);
         devices_[1]->setCurrentIndex(0);
     }
@@ -194,7 +224,7 @@ void CRynConfigure::ChooseDevice(int output, int item) {
         const QSignalBlocker block(list);
         list->setCurrentIndex(item);
     }
-    if (item != 0 && other->currentIndex() == item) {
+    if (SameDevice(list, item, other, other->currentIndex())) {
         // The other output lets go of the device first.
         {
             const QSignalBlocker block(other);
@@ -207,12 +237,20 @@ void CRynConfigure::ChooseDevice(int output, int item) {
 
 void CRynConfigure::ApplyDevice(int output) {
     const QComboBox* list = devices_[output];
-    SendAppMessage(mainMixer_, UWM_SET_SOUND_DEVICE, static_cast<WParam>(output),
-                   list->currentData().toInt());
-    if (output == 0)
-        Settings().SetSoundDeviceMain(list->currentText());
-    else
-        Settings().SetSoundDevicePhones(list->currentText());
+    const int index = list->currentData().toInt();
+    const auto store = [&] {
+        if (output == 0)
+            Settings().SetSoundDeviceMain(list->currentText());
+        else
+            Settings().SetSoundDevicePhones(list->currentText());
+    };
+    // A missing device is looked for by its stored name: stored first (the
+    // user may come back to it after choosing another).
+    if (index == device_table::kMissingDeviceItem)
+        store();
+    SendAppMessage(mainMixer_, UWM_SET_SOUND_DEVICE, static_cast<WParam>(output), index);
+    if (index != device_table::kMissingDeviceItem)
+        store();
 }
 
 void CRynConfigure::LoadSettings() {

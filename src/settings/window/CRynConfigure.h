@@ -28,11 +28,12 @@
 // sound layer lists that can be opened (the silent Null device last); one
 // device never serves both outputs. The stored choices ("soundDeviceMain",
 // "soundDevicePhones", the list texts) are selected again at start-up; a
-// stored main device that is gone falls back to the system's default; a
-// stored headphones device that is gone (a card not plugged in) stays the
-// choice, listed last and sent as device_table::kMissingDeviceItem, so the
-// headphones mixer looks for it; with none stored the headphones take the
-// second real device, else none.
+// stored device that is gone (a USB card not plugged in, a JACK server not
+// started) stays the choice of its output, listed last in grey and sent as
+// device_table::kMissingDeviceItem, so the main mixer plays silently and the
+// output's mixer looks for it (MIXORA_SOUND_DEVICE, when set, still forces
+// the main device); with none stored the main output takes the system's
+// default and the headphones the second real device, else none.
 //
 // User-interface thread only.
 #pragma once

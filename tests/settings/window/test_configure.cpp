@@ -113,23 +113,54 @@ TEST_F(ConfigureTest, OneRealDeviceGoesToTheMainOutputOnTheFirstStart) {
     EXPECT_EQ(bare->DeviceList(0)->count(), 2);
     EXPECT_EQ(DeviceSends(), (Sends{{0, kNull.identifier}, {1, ""}}));
 
-    // A stored device that is gone: the main output falls back to the first
-    // device; the headphones keep their choice, shown last in the list and
-    // sent as missing so that the headphones mixer looks for it.
+    // Stored devices that are gone (a card not plugged in): each output
+    // keeps its choice, shown last in its list in grey and sent as missing so
+    // that its mixer looks for it; neither takes another device meanwhile.
     mixer.got.clear();
     Settings().SetSoundDeviceMain("Gone (ALSA)");
     Settings().SetSoundDevicePhones("Gone too (ALSA)");
     auto gone = Make({kNull, kCard, kUsb});
-    EXPECT_EQ(DeviceSends(), (Sends{{0, kCard.identifier}, {1, ""}}));
-    ASSERT_FALSE(mixer.got.empty());
-    bool missingSent = false;
-    for (const auto& m : mixer.got)
-        missingSent |=
-            m.msg == UWM_SET_SOUND_DEVICE && m.w == 1 && m.l == device_table::kMissingDeviceItem;
-    EXPECT_TRUE(missingSent);
+    std::vector<std::pair<int, long long>> sent;
+    for (const auto& m : mixer.got) {
+        if (m.msg == UWM_SET_SOUND_DEVICE)
+            sent.push_back({static_cast<int>(m.w), static_cast<long long>(m.l)});
+    }
+    const long long missing = device_table::kMissingDeviceItem;
+    EXPECT_EQ(sent, (std::vector<std::pair<int, long long>>{{0, missing}, {1, missing}}));
+    for (int output = 0; output < 2; ++output) {
+        const QComboBox* list = gone->DeviceList(output);
+        EXPECT_EQ(list->count(), 5);  // the missing one after the three listed
+        EXPECT_EQ(list->currentIndex(), 4);
+        EXPECT_EQ(list->currentData().toInt(), device_table::kMissingDeviceItem);
+        EXPECT_FALSE(list->itemData(4, Qt::ToolTipRole).toString().isEmpty());
+    }
+    EXPECT_EQ(gone->DeviceList(0)->currentText(), "Gone (ALSA)");
     EXPECT_EQ(gone->DeviceList(1)->currentText(), "Gone too (ALSA)");
     EXPECT_EQ(Settings().GetSoundDevicePhones(), "Gone too (ALSA)");
+    EXPECT_EQ(Settings().GetSoundDeviceMain(), "Gone (ALSA)");
+
+    // Choosing a listed device ends the wait; coming back to the missing one
+    // sends it as missing again, under its own stored name.
+    mixer.got.clear();
+    gone->ChooseDevice(0, 1);
+    EXPECT_EQ(DeviceSends(), (Sends{{0, kCard.identifier}}));
     EXPECT_EQ(Settings().GetSoundDeviceMain(), kCard.description.c_str());
+    mixer.got.clear();
+    gone->ChooseDevice(0, 4);
+    ASSERT_EQ(mixer.got.size(), 1u);
+    EXPECT_EQ(mixer.got[0].l, device_table::kMissingDeviceItem);
+    EXPECT_EQ(Settings().GetSoundDeviceMain(), "Gone (ALSA)");
+    EXPECT_EQ(gone->DeviceList(1)->currentText(), "Gone too (ALSA)");
+
+    // A forced main device (MIXORA_SOUND_DEVICE) still wins over a stored
+    // one that is gone.
+    mixer.got.clear();
+    qputenv("MIXORA_SOUND_DEVICE", "pa:ALSA:usb");
+    auto forced = Make({kNull, kCard, kUsb});
+    qunsetenv("MIXORA_SOUND_DEVICE");
+    ASSERT_FALSE(DeviceSends().empty());
+    EXPECT_EQ(DeviceSends()[0], (std::pair<int, std::string>{0, kUsb.identifier}));
+    EXPECT_EQ(forced->DeviceList(0)->findData(device_table::kMissingDeviceItem), -1);
 }
 
 TEST_F(ConfigureTest, LatencyLabelsAndTargets) {
