@@ -58,13 +58,14 @@ CRynMainMixer::CRynMainMixer(QWidget* parent)
     mainWatch_.onLost = [this](const std::string& description) { OnMainDeviceLost(description); };
     mainWatch_.onBack = [this](const std::string&) { OnMainDeviceReturned(); };
     mainWatch_.onBuffersRebuilt = [this](int deck) {
-        // New buffers carry no settings: effects, gains, tempo and pans again.
-        ApplyDeckEffects(deck);
-        panel_->ApplyCrossFader();
-        if (decks_[deck])
-            decks_[deck]->ApplyTempo();
-        if (onBuffersCreated)
-            onBuffersCreated(deck);
+        // The deck's rings start again from their first block on both
+        // outputs, with its effects, gains, tempo and pans, and are primed
+        // from the disc buffer as after a first fill: a needle dropped on
+        // the new device is heard at once, not after a lap of the empty ring.
+        CRynSoundEngine* engine = mainOutput_.SoundEngine();
+        const int rate = engine ? engine->Deck(deck).rate : 0;
+        OnDeckMessage(UWM_CREATE_DECK_BUFFERS, deck, rate);
+        OnDeckMessage(UWM_PRIME_DECK, deck, 0);
     };
     clock_.start();
     watchTimer_.setInterval(OutputDeviceWatch::kCheckMs);
