@@ -75,6 +75,25 @@ TEST(CdNames, ALoopbackServerNamesTheDiscOfACueBinImage) {
     EXPECT_EQ(cdnames::TrackTitle(*disc.reader, 0, 12), "Guest / Encore");
 }
 
+// A server's record that lists far more tracks than the disc holds (an
+// offset line and a title for each) names the disc's own tracks only.
+TEST(CdNames, ARecordWithMoreTracksThanTheDiscNamesOnlyTheDiscsTracks) {
+    Disc disc;
+    ASSERT_TRUE(disc.Open());
+    std::vector<std::int32_t> starts = disc.image.starts;
+    while (starts.size() < 201)
+        starts.push_back(starts.back() + 75);
+    CddbTestServer server(SomeAlbum(starts));
+    ASSERT_TRUE(server.Ok());
+    cd::LibCddbClient client;
+    const cd::CddbAnswer answer =
+        client.Lookup(cdnames::TocOf(*disc.reader, 0), Loopback(server.Port()));
+    ASSERT_EQ(answer.status, cd::CddbStatus::Found);
+    ASSERT_EQ(answer.trackTitles.size(), 12u);
+    EXPECT_EQ(answer.trackTitles[0], "Intro");
+    EXPECT_EQ(answer.trackTitles[10], "Part 10");
+}
+
 TEST(CdNames, AnUnknownDiscChangesNothingAndAFailureKeepsTheEarlierNames) {
     Disc disc;
     ASSERT_TRUE(disc.Open());

@@ -2,6 +2,7 @@
 
 #include <cddb/cddb.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <mutex>
@@ -97,7 +98,9 @@ CddbAnswer LibCddbClient::Lookup(const CdToc& toc, const CddbServer& server) {
     // carries it whole, as the server sent it.
     const std::string title = Text(cddb_disc_get_title(disc.get()));
     answer.title = answer.artist.empty() ? title : answer.artist + " / " + title;
-    const int count = cddb_disc_get_track_count(disc.get());
+    // The record may list more tracks than the disc holds (libcddb adds one
+    // for every offset line a server sends): only the disc's own are named.
+    const int count = std::min(cddb_disc_get_track_count(disc.get()), tracks);
     for (int i = 0; i < count; ++i) {
         cddb_track_t* t = cddb_disc_get_track(disc.get(), i);
         std::string title = t != nullptr ? Text(cddb_track_get_title(t)) : std::string();
