@@ -10,6 +10,12 @@
 namespace testsupport {
 namespace {
 
+// Working files carry the process id: tests in parallel processes may make
+// the same fixture at once.
+QString Working(const QString& path, const QString& what) {
+    return QString("%1.%2.%3.wav").arg(path, what).arg(QCoreApplication::applicationPid());
+}
+
 int BeatSamples(double bpm) {
     return static_cast<int>(std::lround(44100.0 * 60.0 / bpm));
 }
@@ -26,12 +32,7 @@ bool Layer(const QString& out, const QString& sound, int at, int length) {
 // Repeats the bar in `bar` to about `seconds` of stereo at `path`.
 bool RepeatBar(const QString& bar, int barSamples, int seconds, const QString& path) {
     const int bars = std::max(1, seconds * 44100 / barSamples);
-    const QString tmp =
-        path + ".part" + QString::number(QCoreApplication::applicationPid()) + ".wav";
-    if (!Run("sox", {bar, "-c", "2", tmp, "repeat", QString::number(bars - 1)}))
-        return false;
-    QFile::remove(path);
-    return QFile::rename(tmp, path);
+    return RunInto(path, "sox", {bar, "-c", "2", path, "repeat", QString::number(bars - 1)});
 }
 
 }  // namespace
@@ -41,7 +42,7 @@ QString MakeClickTrack(const QString& name, double bpm, int seconds) {
     if (QFile::exists(path))
         return path;
     const int beat = BeatSamples(bpm);
-    const QString bar = path + ".beat.wav";
+    const QString bar = Working(path, "beat");
     if (!Layer(bar, "0.01 sine 1000", 0, beat) || !RepeatBar(bar, beat, seconds, path))
         return {};
     QFile::remove(bar);
@@ -59,14 +60,14 @@ QString MakeDrumPattern(const QString& name, double bpm, int seconds) {
     const QString hat = "0.03 whitenoise vol 0.5 highpass 7000 fade 0 0.03 0.025 vol 0.5";
     QStringList layers;
     auto add = [&](const QString& sound, int at) {
-        const QString layer = QString("%1.layer%2.wav").arg(path).arg(layers.size());
+        const QString layer = Working(path, QString("layer%1").arg(layers.size()));
         layers << layer;
         return Layer(layer, sound, at, barLength);
     };
     bool ok = add(kick, 0) && add(kick, 2 * beat) && add(snare, beat) && add(snare, 3 * beat);
     for (int i = 0; ok && i < 8; ++i)
         ok = add(hat, i * beat / 2);
-    const QString bar = path + ".bar.wav";
+    const QString bar = Working(path, "bar");
     ok = ok && Run("sox", QStringList{"-m"} + layers + QStringList{bar, "norm", "-3"}) &&
          RepeatBar(bar, barLength, seconds, path);
     for (const QString& l : layers)

@@ -102,8 +102,7 @@ QString MakeTone(const QString& name, double frequency, double seconds, int rate
     QString path = FixtureDir() + "/" + name;
     if (QFile::exists(path))
         return path;
-    QString tmp = path + ".part" + QString::number(QCoreApplication::applicationPid()) + "." +
-                  QFileInfo(name).suffix();
+    const QString tmp = WorkingPath(path);
     QStringList args = {"-nostdin",
                         "-loglevel",
                         "error",
@@ -119,12 +118,33 @@ QString MakeTone(const QString& name, double frequency, double seconds, int rate
                         QString::number(channels)};
     args += codecArgs;
     args << tmp;
-    if (!Run("ffmpeg", args))
-        return {};
-    QFile::remove(path);
-    if (!QFile::rename(tmp, path))
+    if (!Run("ffmpeg", args) || !Publish(tmp, path))
         return {};
     return path;
+}
+
+QString WorkingPath(const QString& path) {
+    return path + ".part" + QString::number(QCoreApplication::applicationPid()) + "." +
+           QFileInfo(path).suffix();
+}
+
+bool Publish(const QString& working, const QString& path) {
+    // rename(2) replaces an existing file atomically; QFile::rename refuses to.
+    if (std::rename(QFile::encodeName(working).constData(), QFile::encodeName(path).constData()) ==
+        0)
+        return true;
+    QFile::remove(working);
+    return false;
+}
+
+bool RunInto(const QString& path, const QString& program, QStringList args) {
+    const QString working = WorkingPath(path);
+    std::replace(args.begin(), args.end(), path, working);
+    if (!Run(program, args)) {
+        QFile::remove(working);
+        return false;
+    }
+    return Publish(working, path);
 }
 
 bool WaitFor(const std::function<bool()>& pred, int timeoutMs) {

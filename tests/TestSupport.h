@@ -15,7 +15,20 @@ namespace testsupport {
 bool Run(const QString& program, const QStringList& args, int timeoutMs = 60000);
 
 // A folder for generated fixtures inside the build tree, made once per run.
+// Tests in parallel processes share it: a fixture is made in a working file
+// of this process and then replaces its path whole (rename), so no test
+// reads another's half-written file.
 QString FixtureDir();
+
+// A working path next to `path` for this process, with the same suffix.
+QString WorkingPath(const QString& path);
+
+// Moves `working` over `path` in one step; true on success.
+bool Publish(const QString& working, const QString& path);
+
+// Runs `program` with `args`, in which `path` names the output: the program
+// writes a working file that is then published at `path`.
+bool RunInto(const QString& path, const QString& program, QStringList args);
 
 // Generates (once) a file with ffmpeg's lavfi sine source:
 // name, frequency Hz, seconds, sample rate, channels, and extra ffmpeg output

@@ -1,11 +1,13 @@
 #include "DeckRig.h"
 
 #include <QFile>
+#include <QSaveFile>
 #include <QStringList>
 #include <cstring>
 
 #include "TestSupport.h"
 #include "deck/CRynDeck.h"
+#include "deck/disc/CRynDiscBuffer.h"
 #include "dsp/window/CRynEqualizer.h"
 #include "output/mixer/CRynMainMixer.h"
 #include "platform/sound/SoundDevice.h"
@@ -48,8 +50,10 @@ std::vector<std::int16_t> WriteWav(const QString& path, int rate, int frames,
     b.append("data");
     Put32(b, dataBytes);
     b.append(reinterpret_cast<const char*>(pcm.data()), static_cast<qsizetype>(dataBytes));
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly) || f.write(b) != b.size())
+    // Tests run in parallel processes share the fixture folder: a file is
+    // replaced whole, never truncated under another test's reader.
+    QSaveFile f(path);
+    if (!f.open(QIODevice::WriteOnly) || f.write(b) != b.size() || !f.commit())
         return {};
     return pcm;
 }
@@ -151,10 +155,17 @@ bool PlaybackRig::RenderAndDraw(int blocks) {
 
 void PlaybackRig::WaitForReaders(int timeoutMs) {
     WaitFor(
-        [] {
-            for (const DeckSharedState& d : Engine().decks) {
-                if (d.isPlaying.load() != 0 &&
-                    (d.freshDataLow.load() != 0 || d.discBufferVeryLow.load() != 0))
+        [&] {
+            for (int i = 0; i < 2; ++i) {
+                DeckSharedState& d = Engine().decks[i];
+                const bool shortOfData =
+                    d.freshDataLow.load() != 0 || d.discBufferVeryLow.load() != 0;
+                if (!decks_[i] || d.isPlaying.load() == 0 || !shortOfData)
+                    continue;
+                const CRynDiscBuffer& disc = decks_[i]->Disc();
+                const bool reading = disc.ForwardReaderExists() && !disc.ReaderSuspended() &&
+                                     d.forwardReaderRun.load() != 0;
+                if (reading && (d.forwardReaderWaiting.load() == 0 || d.forwardWakeEvent.IsSet()))
                     return false;
             }
             return true;

@@ -56,9 +56,11 @@ class PlaybackRig {
     // The manual device renders far faster than real time and a deck short
     // of data is not drawn, so the readers get the time to refill first.
     bool RenderAndDraw(int blocks);
-    // Waits up to `timeoutMs` for the readers of the decks that play to have
-    // refilled (no fresh-data-low or very-low disc buffer).
-    static void WaitForReaders(int timeoutMs);
+    // A deck that plays short of data (its fresh-data-low or very-low LED lit
+    // at the last block) waits up to `timeoutMs` for its forward reader to
+    // have filled what it can: idle at its wake event with no wake pending,
+    // or ended. The LEDs themselves change only as blocks are mixed.
+    void WaitForReaders(int timeoutMs);
     const std::vector<std::int16_t>& Output() const { return output_; }
     void ClearOutput() { output_.clear(); }
 

@@ -53,14 +53,15 @@ class DeckPlatter : public ::testing::Test {
         ASSERT_EQ(Align(Out(), kFade, pcm, kFade, kFade, 1), kFade);
     }
     // Blocks rendered with 1 ms each for the readers, more while one is
-    // short of data (a loaded machine): the manual Null device renders as
-    // fast as the test asks, far faster than a real device.
+    // short of data (a loaded machine) until it has refilled: the manual
+    // Null device renders as fast as the test asks, far faster than a real
+    // device.
     bool Render(int blocks) {
         for (int i = 0; i < blocks; ++i) {
             if (!rig.RenderBlocks(1))
                 return false;
             WaitFor([] { return false; }, 1);
-            PlaybackRig::WaitForReaders(100);
+            rig.WaitForReaders(2000);
         }
         return true;
     }

@@ -10,6 +10,7 @@
 #include <QByteArray>
 #include <QFile>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QtEndian>
 #include <cstdio>
 #include <cstdlib>
@@ -63,8 +64,8 @@ QByteArray Be32(quint32 v) {
 
 QString Write(const QString& name, const QByteArray& bytes) {
     const QString path = testsupport::FixtureDir() + "/" + name;
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size())
+    QSaveFile f(path);  // replaced whole: parallel tests share the folder
+    if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size() || !f.commit())
         return {};
     return path;
 }
@@ -148,8 +149,9 @@ QString ToneWithId3Chunk(const QString& name, const QByteArray& tag) {
     const bool aiff = name.endsWith(QStringLiteral(".aiff"));
     const QString tone = testsupport::FixtureDir() + "/hostile-tone" + (aiff ? ".aiff" : ".wav");
     if (!QFileInfo::exists(tone) &&
-        !testsupport::Run("sox", {"-n", "-r", "44100", "-c", "2", "-b", "16", tone, "synth", "1",
-                                  "sine", "1000", "vol", "0.5"}))
+        !testsupport::RunInto(tone, "sox",
+                              {"-n", "-r", "44100", "-c", "2", "-b", "16", tone, "synth", "1",
+                               "sine", "1000", "vol", "0.5"}))
         return {};
     QFile f(tone);
     if (tag.isEmpty() || !f.open(QIODevice::ReadOnly))

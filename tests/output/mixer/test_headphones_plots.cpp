@@ -33,7 +33,7 @@ QString Tone() {
         return path;
     const QStringList args{"-n",    "-r", "44100", "-c",   "2",    "-b",  "16",  path,
                            "synth", "20", "sine",  "1000", "sine", "150", "vol", "0.5"};
-    return testsupport::Run("sox", args) ? path : QString();
+    return testsupport::RunInto(path, "sox", args) ? path : QString();
 }
 
 void Step(PlaybackRig& rig, int blocks = 1) {

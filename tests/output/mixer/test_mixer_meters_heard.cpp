@@ -29,7 +29,7 @@ QString MakeWithSox(const QString& name, const QStringList& effects) {
         return path;
     QStringList args{"-n", "-r", "44100", "-c", "2", "-b", "16", path};
     args += effects;
-    return testsupport::Run("sox", args) ? path : QString();
+    return testsupport::RunInto(path, "sox", args) ? path : QString();
 }
 
 // The slot holding the first block whose RMS is below `db`, or -1.
@@ -73,7 +73,7 @@ TEST(MixerMetersHeard, RmsTextAndLampsFollowTheBlockBeingHeard) {
     ASSERT_FALSE(loud.isEmpty() || quiet.isEmpty());
     const QString both = testsupport::FixtureDir() + "/meters-1k-steps.wav";
     if (!QFile::exists(both)) {
-        ASSERT_TRUE(testsupport::Run("sox", {loud, quiet, both}));
+        ASSERT_TRUE(testsupport::RunInto(both, "sox", {loud, quiet, both}));
     }
 
     PlaybackRig rig;

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QSaveFile>
 #include <QTemporaryDir>
 #include <cmath>
 #include <cstring>
@@ -77,18 +78,22 @@ std::vector<std::int16_t> FfmpegDecodeS16(const QString& path, int channels) {
 
 QString TextFile(const QString& name, const std::string& text) {
     const QString path = testsupport::FixtureDir() + "/" + name;
-    QFile f(path);
-    if (f.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    QSaveFile f(path);  // replaced whole: parallel tests share the folder
+    if (f.open(QIODevice::WriteOnly)) {
         f.write(text.data(), qint64(text.size()));
+        f.commit();
+    }
     return path;
 }
 
 QString Truncated(const QString& source, const QString& name, qint64 bytes) {
     QFile in(source);
     const QString path = testsupport::FixtureDir() + "/" + name;
-    QFile out(path);
-    if (in.open(QIODevice::ReadOnly) && out.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    QSaveFile out(path);
+    if (in.open(QIODevice::ReadOnly) && out.open(QIODevice::WriteOnly)) {
         out.write(in.read(bytes));
+        out.commit();
+    }
     return path;
 }
 

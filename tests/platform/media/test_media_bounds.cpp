@@ -6,6 +6,7 @@
 
 #include <QByteArray>
 #include <QFile>
+#include <QSaveFile>
 #include <QtEndian>
 
 #include "TestSupport.h"
@@ -43,7 +44,7 @@ QString WithCover(const QString& name, const QStringList& codecArgs) {
                         "title=Cover Song"};
     args += codecArgs;
     args << path;
-    return testsupport::Run("ffmpeg", args) ? path : QString();
+    return testsupport::RunInto(path, "ffmpeg", args) ? path : QString();
 }
 
 // A 16-bit PCM WAV of `frames` silent frames declaring `channels` and `rate`.
@@ -65,11 +66,11 @@ QString PcmWav(const QString& name, int channels, int rate, int frames) {
     QByteArray body =
         "WAVE" + QByteArray("fmt ") + le32(16) + fmt + "data" + le32(quint32(data.size())) + data;
     const QString path = testsupport::FixtureDir() + "/" + name;
-    QFile f(path);
+    QSaveFile f(path);  // replaced whole: parallel tests share the folder
     if (!f.open(QIODevice::WriteOnly))
         return {};
     f.write("RIFF" + le32(quint32(body.size())) + body);
-    return path;
+    return f.commit() ? path : QString();
 }
 
 }  // namespace

@@ -121,7 +121,7 @@ TEST(MediaSource, SeeksAreSampleExactInEveryCodec) {
                 "-i",       "aevalsrc=sin(2*PI*(200+300*t)*t)|cos(2*PI*(150+500*t)*t):s=44100:d=6"};
             a += args;
             a << path;
-            ASSERT_TRUE(testsupport::Run("ffmpeg", a));
+            ASSERT_TRUE(testsupport::RunInto(path, "ffmpeg", a));
         }
         auto s = media::CreateMediaSource();
         ASSERT_TRUE(s->Open(path.toStdString()));
