@@ -172,6 +172,8 @@ void DeckGraphs::Initialise(int deck, CRynSettings* settings, const QColor& main
         analysis_.Range().SetAutomatic(settings_->GetDeckBeatFindMode(deck_) !=
                                        QStringLiteral("Man"));
         rangeOn_ = settings_->GetDeckGraphRangeEnabled(deck_);
+        // A graph shown alone by a double click stays so after a restart.
+        graphOn_[0] = graphOn_[1] = settings_->GetDeckGraphEnabled(deck_);
         channels_ = settings_->GetDeckGraphNumChannels(deck_) == 2 ? 2 : 1;
         const QString t = settings_->GetDeckGraphType(deck_);
         type_ = (t == kScope || t == kChart) ? t : kBars;

@@ -54,6 +54,11 @@ void CRynHeadphonesMixer::Initialise(WindowHandle mainMixer) {
         const QString type = s.GetPhonesMixerGraphType(deck);
         plotTypes_[deck]->SetValue(type == plotTypes_[deck]->OnText());
     }
+    // Off unless stored on: a double click on a graph keeps it alone, and
+    // the next start shows the same choice.
+    const bool plots = s.GetPhonesMixerGraphEnabledState();
+    SetPlotOn(0, plots);
+    SetPlotOn(1, plots);
     const bool two = s.GetPhonesMixerNumGraphs() != 1;
     plotCount_->SetValue(two);
     OnPlotCount(two);

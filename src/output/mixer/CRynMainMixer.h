@@ -333,6 +333,7 @@ class CRynMainMixer : public CRynWindow {
     std::array<int, 2> meterDraws_{};
     std::pair<int, int> exclusiveGraph_{0, 0};
     bool graph3dBefore_ = false;  // the 3D graph's enable before a graph was shown alone
+    std::array<bool, 2> mixerGraphOn_{true, true};  // each deck's band graph not hidden
     OutputDeviceWatch mainWatch_{mainOutput_};
     QTimer watchTimer_;
     QElapsedTimer clock_;

@@ -34,7 +34,9 @@ void CRynMainMixer::InitialiseMeters() {
 }
 
 void CRynMainMixer::ApplyStoredMeters() {
+    const bool mixerGraphs = Settings().GetMainMixerGraphEnabledState();
     for (int d = 0; d < 2; ++d) {
+        mixerGraphOn_[d] = mixerGraphs;
         meters_->SetGraphType(d, Settings().GetMainMixerGraphType(d));
         SetMetersEnabled(d, Settings().GetMetersEnabled(d));
     }
@@ -43,7 +45,8 @@ void CRynMainMixer::ApplyStoredMeters() {
 void CRynMainMixer::SetMetersEnabled(int deck, bool on) {
     Engine().decks[deck].metersOff.store(on ? 0 : 1);
     meters_->SetMetersEnabledLook(deck, on);
-    meters_->BandGraph(deck)->setVisible(on);
+    // A graph hidden by another shown alone stays hidden.
+    meters_->BandGraph(deck)->setVisible(on && mixerGraphOn_[deck]);
     if (decks_[deck])
         decks_[deck]->Graphs().SetGraphsOn(on);
     if (headphones_)
@@ -136,6 +139,7 @@ void CRynMainMixer::SelectGraphOnly(int templateId, int controlId) {
                     g, alone(CRynDeck::kTemplateId, CRynDeck::GraphControlId(d, g)));
         }
         const bool mixerGraph = alone(kTemplateId, kBandGraphIds[d]);
+        mixerGraphOn_[d] = mixerGraph;
         // A deck whose meters are off keeps its graph hidden.
         meters_->BandGraph(d)->setVisible(mixerGraph && Engine().decks[d].metersOff.load() == 0);
         mixerGraphs |= mixerGraph;

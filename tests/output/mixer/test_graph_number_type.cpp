@@ -59,6 +59,7 @@ TEST(GraphNumberType, EveryGraphDrawsWholeNumbersOrFractionsAsChosen) {
     Settings().SetGraphNumberType(QStringLiteral("Floats"));
     CRynHeadphonesMixer phones;
     PlaybackRig rig(false, false, &phones);
+    Settings().SetPhonesMixerGraphEnabledState(true);  // the plots are off until shown
     phones.Initialise(rig.Mixer().Handle());
     CRynMainMixer& mixer = rig.Mixer();
     MessageLog log;

@@ -193,3 +193,53 @@ TEST(GraphSelection, EveryKindOfGraphShownAloneByItsDoubleClick) {
     EXPECT_EQ(on(), back);
     EXPECT_FALSE(Settings().GetThreeDGraphEnabledState());
 }
+
+// The selection outlives the windows: the next start shows the graphs the
+// settings say are on, a deck's graphs, the mixer's, the headphones plots and
+// the 3D graph each as stored. A deck hides its mixer graph while its meters
+// are off and shows it again only if it was on.
+TEST(GraphSelection, TheNextStartShowsTheStoredSelection) {
+    auto on = [](Rig& rig) {
+        return std::vector<bool>{rig.decks[0]->Graphs().GraphOn(0),
+                                 rig.decks[1]->Graphs().GraphOn(0),
+                                 rig.graph3d.GraphEnabled(),
+                                 !rig.mixer->Meters().BandGraph(0)->isHidden(),
+                                 !rig.mixer->Meters().BandGraph(1)->isHidden(),
+                                 rig.phones.PlotOn(0),
+                                 rig.phones.PlotOn(1)};
+    };
+    {
+        Rig rig;
+        rig.mixer->LayoutBuilt();  // start-up applies the stored meters
+        rig.mixer->show();
+        rig.mixer->SelectGraphOnly(CRynMainMixer::kTemplateId, CRynMainMixer::kBandGraphIds[1]);
+        EXPECT_EQ(on(rig), (std::vector<bool>{false, false, false, false, true, false, false}));
+    }
+    {
+        Rig rig;  // the next start
+        rig.mixer->LayoutBuilt();  // start-up applies the stored meters
+        rig.mixer->show();
+        // The mixer's graphs are stored as one flag: both come back.
+        EXPECT_EQ(on(rig), (std::vector<bool>{false, false, false, true, true, false, false}));
+        rig.mixer->SetMetersEnabled(0, false);
+        EXPECT_TRUE(rig.mixer->Meters().BandGraph(0)->isHidden());
+        rig.mixer->SetMetersEnabled(0, true);
+        EXPECT_FALSE(rig.mixer->Meters().BandGraph(0)->isHidden());
+        rig.mixer->SelectGraphOnly(CRynHeadphonesMixer::kTemplateId,
+                                   CRynHeadphonesMixer::kPlotIds[0]);
+        rig.mixer->SetMetersEnabled(1, false);
+        rig.mixer->SetMetersEnabled(1, true);
+        EXPECT_TRUE(rig.mixer->Meters().BandGraph(1)->isHidden()) << "shown by the meters switch";
+    }
+    {
+        Rig rig;
+        rig.mixer->LayoutBuilt();  // start-up applies the stored meters
+        rig.mixer->show();
+        EXPECT_EQ(on(rig), (std::vector<bool>{false, false, false, false, false, true, true}));
+        rig.mixer->SelectGraphOnly(CRynDeck::kTemplateId, CRynDeck::GraphControlId(1, 0));
+    }
+    Rig rig;
+    rig.mixer->LayoutBuilt();
+    rig.mixer->show();
+    EXPECT_EQ(on(rig), (std::vector<bool>{false, true, false, false, false, false, false}));
+}

@@ -71,6 +71,7 @@ TEST(HeadphonesPlots, DrawTheBlockBeingHeardAsBarsOrScope) {
     ASSERT_FALSE(tone.isEmpty());
     CRynHeadphonesMixer phones;
     PlaybackRig rig(false, false, &phones);
+    Settings().SetPhonesMixerGraphEnabledState(true);  // the plots are off until shown
     phones.Initialise(rig.Mixer().Handle());
     phones.SetDeckColours(0, rig.Deck(0).Colour(0), rig.Deck(0).Colour(1));
     CRynMainMixer& mixer = rig.Mixer();
