@@ -100,7 +100,13 @@ void CRynMainMixer::Initialise(WindowHandle host, CRynDeck* deckA, CRynDeck* dec
             SendAppMessage(host_, UWM_DIAGNOSTICS, static_cast<WParam>(deck), 0);
         };
         panel_->onCurveChanged = [phones](float c) { phones->SetCurve(c); };
-        phones->onDeviceBack = [this] { GiveDecksToHeadphones(); };
+        phones->onDeviceBack = [this, phones] {
+            GiveDecksToHeadphones();
+            // A device missing at start-up is listed as it is now.
+            auto* configure = qobject_cast<CRynConfigure*>(configure_);
+            if (configure && phones->Output().Device())
+                configure->DeviceFound(1, phones->Output().Device()->Identifier());
+        };
         phones->SetCurve(panel_->Curve());
     }
     panel_->onShowPhones = [this](bool show) {

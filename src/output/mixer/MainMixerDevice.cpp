@@ -27,6 +27,7 @@
 #include "platform/sound/SoundDevice.h"
 #include "platform/sound/SoundSystem.h"
 #include "settings/CRynSettings.h"
+#include "settings/window/CRynConfigure.h"
 
 std::string CRynMainMixer::StartupDeviceIdentifier() {
     const QByteArray forced = qgetenv("MIXORA_SOUND_DEVICE");
@@ -135,6 +136,9 @@ void CRynMainMixer::OnMainDeviceReturned() {
         // chosen in the configuration window.
         mainWatch_.Watch(device->Identifier());
         ShowMasterLevel();
+        // The configuration window lists it as it is now, no longer missing.
+        if (auto* configure = qobject_cast<CRynConfigure*>(configure_))
+            configure->DeviceFound(0, device->Identifier());
     }
     Keep3DSound();
 }

@@ -133,12 +133,12 @@ void CRynConfigure::Initialise(WindowHandle mainMixer) {
     SetWindowTimer(kActualLatencyTimer, kActualLatencyMs);
 }
 
-void CRynConfigure::FillDevices() {
+void CRynConfigure::FillDevices(const std::array<std::string, 2>& opened) {
     // The devices in use are open already and are kept without a trial.
-    std::array<std::string, 2> inUse;
+    std::array<std::string, 2> inUse = opened;
     for (int output = 0; output < 2; ++output) {
         const QComboBox* list = devices_[output];
-        if (list->count() > 0)
+        if (inUse[output].empty() && list->count() > 0)
             inUse[output] = device_table::Identifier(list->currentData().toInt());
     }
     const std::vector<sound::SoundDeviceInfo> all =
@@ -233,6 +233,16 @@ void CRynConfigure::ChooseDevice(int output, int item) {
         ApplyDevice(1 - output);
     }
     ApplyDevice(output);
+}
+
+void CRynConfigure::DeviceFound(int output, const std::string& identifier) {
+    output = output == 1 ? 1 : 0;
+    if (devices_[output]->currentData().toInt() != device_table::kMissingDeviceItem)
+        return;
+    std::array<std::string, 2> opened;
+    opened[output] = identifier;
+    FillDevices(opened);
+    SelectStoredDevices();
 }
 
 void CRynConfigure::ApplyDevice(int output) {

@@ -80,6 +80,12 @@ class CRynConfigure : public CRynWindow {
     // the user would.
     void ChooseDevice(int output, int item);
 
+    // Output `output`'s mixer has opened `identifier`, found by its watch.
+    // When the list shows that output's choice as missing, both lists are
+    // read again and the stored choices selected, now as listed devices;
+    // nothing is applied (the open device is not opened again).
+    void DeviceFound(int output, const std::string& identifier);
+
     QComboBox* DeviceList(int output) const { return devices_[output == 1 ? 1 : 0]; }
     CNiButton* EqTypeButton(int deck) const { return eqType_[deck == 1 ? 1 : 0]; }
     CNiButton* EqNumberTypeButton(int deck) const { return eqNumbers_[deck == 1 ? 1 : 0]; }
@@ -108,7 +114,8 @@ class CRynConfigure : public CRynWindow {
     void BuildControls();
     void LayOut();
     void Connect();
-    void FillDevices();
+    // `opened`: devices an output has open that the list does not show yet.
+    void FillDevices(const std::array<std::string, 2>& opened = {});
     void SelectStoredDevices();
     void ApplyDevice(int output);
     void LoadSettings();

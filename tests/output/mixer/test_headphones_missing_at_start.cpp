@@ -4,9 +4,10 @@
 // handed the playing deck. Once on a test card that is "plugged in" later,
 // once on a real JACK server (dummy driver) started after the mixers, the
 // stored choice being the device's description as the configuration window
-// keeps it.
+// keeps it; the window's list shows it missing, then as a device.
 #include <gtest/gtest.h>
 
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <algorithm>
@@ -26,6 +27,7 @@
 #include "platform/sound/SoundSystem.h"
 #include "platform/sound/StallableBackend.h"
 #include "settings/CRynSettings.h"
+#include "settings/window/CRynConfigure.h"
 #include "settings/window/DeviceTable.h"
 
 using testsupport::PlaybackRig;
@@ -141,6 +143,15 @@ TEST(HeadphonesMissingAtStart, AJackServerStartedAfterTheMixersIsFoundByItsDescr
         SendStoredMissing(mixer, QStringLiteral("system (JACK Audio Connection Kit)"));
         EXPECT_TRUE(phones.StatusText().startsWith(kMissingText))
             << phones.StatusText().toStdString();
+        // The configuration window on the real device list; what it applies
+        // goes to a log, the mixers are set up already.
+        testsupport::MessageLog applied;
+        CRynConfigure config;
+        config.Initialise(applied.Handle());
+        mixer.SetConfigureWindow(&config);
+        const QComboBox* list = config.DeviceList(1);
+        EXPECT_EQ(list->currentData().toInt(), device_table::kMissingDeviceItem);
+        const int sent = applied.Count(UWM_SET_SOUND_DEVICE);
         EXPECT_FALSE(phones.IsActive());
         ASSERT_TRUE(rig.LoadAndPrime(0, {tone}));
         ASSERT_TRUE(rig.Drop(0));
@@ -151,6 +162,7 @@ TEST(HeadphonesMissingAtStart, AJackServerStartedAfterTheMixersIsFoundByItsDescr
         EXPECT_TRUE(phones.DeviceLost());
 
         if (!server.Start()) {
+            mixer.SetConfigureWindow(nullptr);
             mixer.ChooseMainDevice(std::string());
             mixer.ChooseHeadphonesDevice(std::string());
             sound::ShutdownAudioLibrary();
@@ -173,7 +185,13 @@ TEST(HeadphonesMissingAtStart, AJackServerStartedAfterTheMixersIsFoundByItsDescr
         EXPECT_TRUE(phones.Output().IsForwardPlaying(0));
         EXPECT_EQ(mixer.MainOutput().Device(), mainDevice);
         EXPECT_TRUE(mixer.MainOutput().IsForwardPlaying(0));
+        // Listed now as a device, chosen, and not applied again.
+        EXPECT_EQ(list->currentText(), QStringLiteral("system (JACK Audio Connection Kit)"));
+        EXPECT_GT(list->currentData().toInt(), 0);
+        EXPECT_EQ(list->findData(device_table::kMissingDeviceItem), -1);
+        EXPECT_EQ(applied.Count(UWM_SET_SOUND_DEVICE), sent);
 
+        mixer.SetConfigureWindow(nullptr);
         mixer.ChooseMainDevice(std::string());
         mixer.ChooseHeadphonesDevice(std::string());
     }

@@ -60,6 +60,7 @@ class MainMissingAtStart : public ::testing::Test {
     // The program's start: the configuration window fills its lists and
     // applies the stored choices to the main mixer.
     static void Configure(CRynConfigure& config, CRynMainMixer& mixer) {
+        mixer.SetConfigureWindow(&config);
         config.Initialise(mixer.Handle());
         mixer.LayoutBuilt();
     }
@@ -124,6 +125,10 @@ TEST_F(MainMissingAtStart, TheStoredJackDeviceIsShownPlayedSilentlyAndOpenedWhen
         EXPECT_NE(rig.Deck(0).TrackDisplayText(),
                   QStringLiteral("Sound device missing: ") + kJackDescription);
         EXPECT_EQ(mixer.MainWatch().Returns(), 1);
+        // The configuration window lists it now as a device, no longer missing.
+        EXPECT_EQ(list->currentText(), kJackDescription);
+        EXPECT_GT(list->currentData().toInt(), 0);
+        EXPECT_EQ(list->findData(device_table::kMissingDeviceItem), -1);
         // As after a loss, what played silently stopped; the needle dropped
         // again is heard on the device (recorded half a second at a time).
         EXPECT_FALSE(rig.Deck(0).NeedleDown());
@@ -155,6 +160,7 @@ TEST_F(MainMissingAtStart, TheStoredJackDeviceIsShownPlayedSilentlyAndOpenedWhen
         EXPECT_EQ(Settings().GetSoundDeviceMain(), kJackDescription);
 
         mixer.ChooseMainDevice(std::string());
+        mixer.SetConfigureWindow(nullptr);
     }
 }
 
