@@ -216,7 +216,7 @@ TEST(GraphSelection, TheNextStartShowsTheStoredSelection) {
         EXPECT_EQ(on(rig), (std::vector<bool>{false, false, false, false, true, false, false}));
     }
     {
-        Rig rig;  // the next start
+        Rig rig;                   // the next start
         rig.mixer->LayoutBuilt();  // start-up applies the stored meters
         rig.mixer->show();
         // The mixer's graphs are stored as one flag: both come back.
