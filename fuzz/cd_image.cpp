@@ -27,10 +27,19 @@ void Check(bool condition) {
 
 void Quiet(cdio_log_level_t, const char*) {}
 
+// A folder of this process's own, in memory when /dev/shm exists, removed
+// with its two files when the fuzzer ends (a run cut short leaves it).
 std::string ScratchDir() {
-    std::string templ = access("/dev/shm", W_OK) == 0 ? "/dev/shm/mixora-fuzz-cd-XXXXXX"
-                                                      : "/tmp/mixora-fuzz-cd-XXXXXX";
-    return ::mkdtemp(templ.data()) ? templ : std::string("/tmp");
+    static std::string templ = access("/dev/shm", W_OK) == 0 ? "/dev/shm/mixora-fuzz-cd-XXXXXX"
+                                                             : "/tmp/mixora-fuzz-cd-XXXXXX";
+    if (!::mkdtemp(templ.data()))
+        return "/tmp";
+    std::atexit([] {
+        std::remove((templ + "/image.cue").c_str());
+        std::remove((templ + "/image.bin").c_str());
+        ::rmdir(templ.c_str());
+    });
+    return templ;
 }
 
 bool WriteFile(const std::string& path, const std::uint8_t* data, std::size_t size) {
