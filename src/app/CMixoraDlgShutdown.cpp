@@ -82,6 +82,8 @@ void CMixoraDlg::Shutdown() {
     e.tickThreadRun.store(0);
     e.tickWakeEvent.Set();
     StopGraphsThreadIfMetersOff();
+    if (mainMixer_)
+        mainMixer_->StopTempo();
 
     ShutdownStep(2, QStringLiteral("Destroying Decks"));
     for (int d = 0; d < 2; ++d) {

@@ -219,6 +219,9 @@ class CRynMainMixer : public CRynWindow {
     // Tests: another service (a fixed estimator, a cache of their own),
     // before Initialise; started by Initialise.
     void SetTempoService(std::unique_ptr<TrackTempoService> service);
+    // Shutdown, before the decks go: the tempo worker ends, and answers
+    // already on their way to the window thread are dropped.
+    void StopTempo();
     // The deck's track tempo as measured (0: not known) and as heard now.
     double TrackTempo(int deck) const { return trackBpm_[deck]; }
     double HeardTrackTempo(int deck) const;

@@ -18,16 +18,24 @@ void CRynMainMixer::SetTempoService(std::unique_ptr<TrackTempoService> service) 
     tempo_ = std::move(service);
 }
 
+void CRynMainMixer::StopTempo() {
+    if (!tempo_)
+        return;
+    tempo_->Stop();
+    tempo_->onTempo = nullptr;
+}
+
 void CRynMainMixer::InitialiseTempo() {
     if (!tempo_) {
         tempo_ = std::make_unique<TrackTempoService>(
             tempo::CreateTempoEstimator(),
             DataDir() + QLatin1Char('/') + QLatin1String(TrackTempoCache::kFileName));
     }
-    tempo_->onTempo = [this](int deck, const std::string& path, double bpm) {
-        // The deck (and its play list) may have gone at shutdown while the
-        // answer was on its way.
-        const QPointer<CRynDeck> owner = decks_[deck];
+    // Watched from now on: a deck (and its play list) may go at shutdown
+    // while an answer is on its way.
+    const std::array<QPointer<CRynDeck>, 2> owners{decks_[0], decks_[1]};
+    tempo_->onTempo = [this, owners](int deck, const std::string& path, double bpm) {
+        const QPointer<CRynDeck>& owner = owners[deck];
         if (closing_ || !owner)
             return;
         trackBpm_[deck] = bpm;
