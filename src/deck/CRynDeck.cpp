@@ -83,6 +83,10 @@ CRynDeck::~CRynDeck() {
         d.deckWindow = 0;
 }
 
+CRynPlayList* CRynDeck::PlayListWindow() const {
+    return playList_;
+}
+
 void CRynDeck::Initialise(CRynDeckInfo* info, CRynEqualizer* equalizer, CRynPlayList* playList,
                           WindowHandle mainMixer, int deck) {
     info_ = info;

@@ -24,6 +24,7 @@
 #pragma once
 
 #include <QColor>
+#include <QPointer>
 #include <QStringList>
 #include <array>
 #include <functional>
@@ -89,7 +90,7 @@ class CRynDeck : public CRynWindow {
     WindowHandle MainMixer() const { return mainMixer_; }
     CRynDeckInfo* Info() const { return info_; }
     CRynEqualizer* Equalizer() const { return equalizer_; }
-    CRynPlayList* PlayListWindow() const { return playList_; }
+    CRynPlayList* PlayListWindow() const;
     PlayList& List();
     CRynFileDecoder& Decoder() { return *decoder_; }
     DeckSource& Source() { return *source_; }
@@ -266,7 +267,9 @@ class CRynDeck : public CRynWindow {
     WindowHandle mainMixer_ = 0;
     CRynDeckInfo* info_ = nullptr;
     CRynEqualizer* equalizer_ = nullptr;
-    CRynPlayList* playList_ = nullptr;
+    // Watched: at shutdown the play list windows go before the decks, and
+    // the deck then falls back to a list of its own.
+    QPointer<CRynPlayList> playList_;
     CRynCdAudio* cd_ = nullptr;
 
     std::unique_ptr<PlayList> ownList_;  // when no play list window is given
